@@ -1,0 +1,52 @@
+#include "base/text.h"
+
+#include <gtest/gtest.h>
+
+namespace kw {
+namespace {
+
+TEST(Text, Utf16RoundTripKeepsCharactersBeyondTheBasicPlane) {
+  const std::string text = "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80";
+  EXPECT_EQ(Utf16ToUtf8(Utf8ToUtf16(text)), text);
+  EXPECT_EQ(Utf8ToUtf16(text).size(), 5u);
+}
+
+TEST(Text, BytesThatAreNoUtf8BecomeTheReplacementCharacter) {
+  EXPECT_EQ(Utf16ToUtf8(Utf8ToUtf16("a\xFF")), "a\xEF\xBF\xBD");
+  EXPECT_FALSE(IsValidUtf8("\xC0\x80"));
+  EXPECT_FALSE(IsValidUtf8("\xE2\x82"));
+  EXPECT_TRUE(IsValidUtf8("\xE2\x82\xAC"));
+}
+
+TEST(Text, TextThatACodePageCannotHoldIsRefused) {
+  EXPECT_EQ(*Utf8ToCodePage("\xC3\xA4\xE2\x82\xAC", 1252), "\xE4\x80");
+  EXPECT_EQ(Utf8ToCodePage("\xE6\x97\xA5", 1252).number(), kErrorUnrepresentableText);
+  EXPECT_EQ(Utf8ToCodePage("\xC3\xA4", 0).number(), kErrorUnrepresentableText);
+}
+
+TEST(Text, CodePageTextComesBackAsUtf8) {
+  EXPECT_EQ(CodePageToUtf8("\xE4", 1252), "\xC3\xA4");
+  EXPECT_EQ(CodePageToUtf8("\x93\xFA", 932), "\xE6\x97\xA5");
+  EXPECT_EQ(CodePageOfLocale(1033), 1252);
+  EXPECT_EQ(CodePageOfLocale(1041), 932);
+  EXPECT_EQ(CodePageOfLocale(1028), 950);
+  EXPECT_EQ(CodePageOfLocale(2052), 936);
+}
+
+TEST(Text, ComparisonsIgnoreCaseBeyondAscii) {
+  EXPECT_TRUE(EqualsNoCase("\xC3\x84pfel.TXT", "\xC3\xA4PFEL.txt"));
+  EXPECT_TRUE(StartsWithNoCase("Install.pkg.bak", "INSTALL.PKG"));
+  EXPECT_TRUE(EndsWithNoCase("a.MSP", ".msp"));
+  EXPECT_FALSE(EndsWithNoCase("A.MSP.TXT", ".msp"));
+  EXPECT_LT(CompareNoCase("a", "B"), 0);
+  EXPECT_GT(CompareNoCase("ab", "A"), 0);
+}
+
+TEST(Text, LeadingIntegerStopsAtTheFirstOtherCharacter) {
+  EXPECT_EQ(LeadingInteger(" -12abc"), -12);
+  EXPECT_EQ(LeadingInteger("abc"), 0);
+  EXPECT_EQ(LeadingInteger("99999999999999999999"), 9223372036854775807LL);
+}
+
+}  // namespace
+}  // namespace kw

@@ -1,0 +1,59 @@
+# What every target of the project shares: warnings, sanitizers, and the two functions that declare a
+# folder's library and its tests.
+
+find_program(KITWRIGHT_CCACHE ccache)
+if(KITWRIGHT_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${KITWRIGHT_CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${KITWRIGHT_CCACHE})
+endif()
+find_program(KITWRIGHT_MOLD mold)
+if(KITWRIGHT_MOLD AND NOT WIN32 AND NOT KITWRIGHT_FUZZ)
+  add_link_options(-fuse-ld=mold)
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wimplicit-fallthrough -Werror
+                    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>)
+if(KITWRIGHT_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+# kitwright_library(name [SYSTEM linux|windows dirs...] DEPENDS libs...)
+# One folder's static library: every .cc beside the CMakeLists.txt but tests and programs
+# (*_test.cc, *_main.cc, main_*.cc), and on each system the files *_linux.cc or *_windows.cc.
+function(kitwright_library name)
+  cmake_parse_arguments(ARG "" "" "DEPENDS;EXTRA;EXCLUDE" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS *.cc *.h)
+  list(FILTER sources EXCLUDE REGEX "(_test|_main|_bench|_fuzz)\\.cc$|/main_[a-z_]*\\.cc$")
+  if(WIN32)
+    list(FILTER sources EXCLUDE REGEX "_linux\\.cc$")
+  else()
+    list(FILTER sources EXCLUDE REGEX "_windows\\.cc$")
+  endif()
+  foreach(pattern ${ARG_EXCLUDE})
+    list(FILTER sources EXCLUDE REGEX "${pattern}")
+  endforeach()
+  add_library(${name} STATIC ${sources} ${ARG_EXTRA})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_DEPENDS})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+endfunction()
+
+# kitwright_tests(name DEPENDS libs...)
+# One test program from every *_test.cc beside the CMakeLists.txt, known to CTest as one test.
+function(kitwright_tests name)
+  if(NOT KITWRIGHT_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "" "DEPENDS;EXTRA" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS *_test.cc)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name} ${sources} ${ARG_EXTRA})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} GTest::gmock_main GTest::gtest)
+  target_compile_definitions(${name} PRIVATE KITWRIGHT_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+                             KITWRIGHT_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  add_test(NAME ${name} COMMAND ${name})
+endfunction()
