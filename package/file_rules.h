@@ -1,0 +1,65 @@
+#ifndef KITWRIGHT_PACKAGE_FILE_RULES_H_
+#define KITWRIGHT_PACKAGE_FILE_RULES_H_
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "package/run_state.h"
+#include "platform/services.h"
+#include "ui/form_host.h"
+
+namespace kw {
+
+/// What ValidatePath checks, as bits of its in-out argument.
+enum PathCheck : unsigned {
+  kCheckCharacters = 1,
+  kCheckLocal = 2,
+  kCheckUnc = 4,
+  kCheckFileExists = 8,
+  kCheckFolderExists = 16,
+  kCheckFileNotEmpty = 32,
+  kCheckNotRoot = 64,
+};
+
+bool HasForbiddenCharacter(std::string_view path);
+bool IsLocalPath(std::string_view path);
+bool IsUncPath(std::string_view path);
+
+/// Checks `path` by the bits of `checks`, which come back as those that hold. The first failure is told in a
+/// plain box that begins with `label`, unless `silent`.
+bool ValidatePath(platform::Services& services, std::string_view label, const std::string& path,
+                  unsigned& checks, bool silent);
+/// The same with fixed checks and a box.
+bool ValidatePath(platform::Services& services, std::string_view label, const std::string& path,
+                  unsigned checks);
+
+/// The platform's folder dialog; "" when cancelled.
+std::string BrowseForFolder(platform::Services& services, const std::string& title,
+                            const std::string& start_folder);
+/// Creates every missing folder of the path, ignoring all errors; the caller looks whether it is there.
+void MakeFolderPath(platform::Services& services, const std::string& path);
+/// Copies a file into a folder, asking Retry or Cancel on failures, and adds its upper-cased name to `list`.
+/// False when the user gave up.
+bool CopyFileToFolder(platform::Services& services, const std::string& path, const std::string& folder,
+                      FileListPtr& list);
+
+/// A profile value of at most 254 characters.
+std::string ReadIniValue(platform::Services& services, const std::string& ini_path, std::string_view section,
+                         std::string_view key, std::string_view fallback);
+/// Writes a profile value, its carriage returns and line feeds turned into blanks; no value deletes the key,
+/// no key the section.
+Status WriteIniValue(platform::Services& services, const std::string& ini_path, std::string_view section,
+                     std::optional<std::string_view> key, std::optional<std::string_view> value);
+/// A REG_SZ value of at most 512 bytes, up to its first NUL; "" on any failure.
+std::string ReadRegistryString(platform::Services& services, platform::Hive hive, std::string_view key_path,
+                               std::string_view value_name);
+
+/// Starts a command line and waits for its end while window events go on; the exit code. A command that
+/// cannot be started is told in a plain box and gives -1.
+int RunAndWait(platform::Services& services, RunState& run, ui::FormHost& host,
+               const std::string& command_line, platform::WindowStyle style);
+
+}  // namespace kw
+
+#endif  // KITWRIGHT_PACKAGE_FILE_RULES_H_
