@@ -55,8 +55,8 @@ Status WriteIniValue(platform::Services& services, const std::string& ini_path, 
 std::string ReadRegistryString(platform::Services& services, platform::Hive hive, std::string_view key_path,
                                std::string_view value_name);
 
-/// Starts a command line and waits for its end while window events go on; the exit code. A command that
-/// cannot be started is told in a plain box and gives -1.
+/// Starts a command line and waits for its end while window events go on; the exit code, or -1 without a word when it
+/// cannot be started: each caller has its own test of success and its own message.
 int RunAndWait(platform::Services& services, RunState& run, ui::FormHost& host,
                const std::string& command_line, platform::WindowStyle style);
 
