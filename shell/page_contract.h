@@ -98,6 +98,24 @@ void ShowHelp(PageContext& context, int context_id);
 /// Removes the maximise command and applies the locale's font; start of every Load.
 void InitializePage(PageContext& context, ui::Form& page);
 
+/// Tells a failure in one plain box with the error's sentence. True when there was none.
+bool CheckOrReport(platform::Services& services, const Status& status);
+
+/// A page with a payload for the build.
+class PayloadPage {
+ public:
+  virtual ~PayloadPage() = default;
+  /// Applies the page's payload to the working package; True on success.
+  virtual bool SaveConfig() = 0;
+};
+
+/// A page whose settings the product's tool writes out when the page was not configured.
+class SettingsPage {
+ public:
+  virtual ~SettingsPage() = default;
+  virtual void TransferSettings() = 0;
+};
+
 /// One page of the page table: its common controls and the handlers that are the same everywhere.
 ///
 /// A derived page sets its texts in the constructor, adds its controls as members, and overrides what
@@ -148,6 +166,10 @@ class WizardPage : public ui::Form {
   virtual void OnBack();
   virtual void OnFinish();
   virtual void OnCancel();
+
+  /// The general path for errors: a failure is told in one plain box, and the handler that calls this
+  /// returns. True when all is well.
+  bool Check(const Status& status) { return CheckOrReport(services_, status); }
 
   /// Makes the buttons; call it last in a derived constructor. `review` gives Save in place of Next and
   /// Finsh.
