@@ -18,6 +18,8 @@ struct Layout {
     kFields,   ///< children in pairs, label and field, aligned in two columns
     kFrame,    ///< a captioned frame (`control`) around one child
     kIndent,   ///< one child moved in, below an option or check box
+    kBand,     ///< one child drawn on a picture (`control`) that fills the form's whole width
+    kButtons,  ///< push buttons of one size in a row, at the end of a form
     kSpace     ///< stretching empty space
   };
   Kind kind = Kind::kSpace;
@@ -44,6 +46,12 @@ inline Layout Framed(Frame& frame, Layout child, int stretch = 0) {
 }
 inline Layout Indent(Layout child, int stretch = 0) {
   return {Layout::Kind::kIndent, nullptr, {std::move(child)}, stretch};
+}
+inline Layout Band(Image& picture, Layout child) {
+  return {Layout::Kind::kBand, &picture, {std::move(child)}, 0};
+}
+inline Layout Buttons(std::vector<Layout> children) {
+  return {Layout::Kind::kButtons, nullptr, std::move(children), 0};
 }
 inline Layout Space() { return {Layout::Kind::kSpace, nullptr, {}, 1}; }
 

@@ -1,0 +1,48 @@
+#!/bin/bash
+# Installs the Debian packages that building, testing and running Kitwright need. Does nothing, quickly, when all
+# are there. Works as root or through sudo. One package a line; docs/dependencies.md says what each is for.
+set -euo pipefail
+
+packages=(
+  # Building
+  build-essential
+  ccache
+  cmake
+  mold
+  ninja-build
+  # Windows, and the pictures and fonts that they show
+  adwaita-icon-theme
+  fonts-dejavu-core
+  libwxgtk3.2-dev
+  # Tests
+  libgmock-dev
+  libgtest-dev
+  # Windows without a display: virtual display, window manager, keyboard and mouse, screenshots
+  imagemagick
+  openbox
+  xauth
+  xdotool
+  xvfb
+  # Judges of what the wizard wrote
+  cabextract
+  msitools
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
+  [[ $status == installed ]] || missing+=("$package")
+done
+[[ ${#missing[@]} -eq 0 ]] && exit 0
+
+as_root=()
+if [[ $(id -u) -ne 0 ]]; then
+  command -v sudo >/dev/null || {
+    echo "Installing ${missing[*]} needs root rights: run this as root, or install sudo." >&2
+    exit 1
+  }
+  as_root=(sudo)
+fi
+echo "Installing: ${missing[*]}"
+"${as_root[@]}" apt-get -q update
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends install "${missing[@]}"
