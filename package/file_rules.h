@@ -26,8 +26,9 @@ bool HasForbiddenCharacter(std::string_view path);
 bool IsLocalPath(std::string_view path);
 bool IsUncPath(std::string_view path);
 
-/// Checks `path` by the bits of `checks`, which come back as those that hold. The first failure is told in a
-/// plain box that begins with `label`, unless `silent`.
+/// Checks `path` by the bits of `checks`. They come back as those that hold: characters, form and root in any
+/// case, file and folder only where they were asked for and the tests before them passed. The first failure
+/// is told in a plain box that begins with `label`, unless `silent`.
 bool ValidatePath(platform::Services& services, std::string_view label, const std::string& path,
                   unsigned& checks, bool silent);
 /// The same with fixed checks and a box.
@@ -39,6 +40,8 @@ std::string BrowseForFolder(platform::Services& services, const std::string& tit
                             const std::string& start_folder);
 /// Creates every missing folder of the path, ignoring all errors; the caller looks whether it is there.
 void MakeFolderPath(platform::Services& services, const std::string& path);
+/// Clears the read-only attribute of a file that has it; a missing file is none.
+Status MakeWritable(platform::Services& services, const std::string& path);
 /// Copies a file into a folder, asking Retry or Cancel on failures, and adds its upper-cased name to `list`.
 /// False when the user gave up.
 bool CopyFileToFolder(platform::Services& services, const std::string& path, const std::string& folder,
@@ -55,8 +58,8 @@ Status WriteIniValue(platform::Services& services, const std::string& ini_path, 
 std::string ReadRegistryString(platform::Services& services, platform::Hive hive, std::string_view key_path,
                                std::string_view value_name);
 
-/// Starts a command line and waits for its end while window events go on; the exit code, or -1 without a word when it
-/// cannot be started: each caller has its own test of success and its own message.
+/// Starts a command line and waits for its end while window events go on; the exit code, or -1 without a word
+/// when it cannot be started: each caller has its own test of success and its own message.
 int RunAndWait(platform::Services& services, RunState& run, ui::FormHost& host,
                const std::string& command_line, platform::WindowStyle style);
 

@@ -50,6 +50,8 @@ class InstallerDb {
   Status LowerCaseFileNames() const;
 
  private:
+  Result<std::unique_ptr<platform::View>> Open(std::string_view statement) const;
+
   platform::Services& services_;
   platform::Installer& installer_;
   const std::shared_ptr<platform::Database>& database_;

@@ -1,0 +1,52 @@
+#include "base/path.h"
+#include "base/text.h"
+#include "package/file_rules.h"
+
+namespace kw {
+namespace {
+
+using platform::Answer;
+
+bool AskRetry(platform::Services& services, const std::string& text) {
+  return services.dialogs->Question(text, {Answer::kRetry, Answer::kCancel}, Answer::kRetry, "") ==
+         Answer::kRetry;
+}
+
+}  // namespace
+
+Status MakeWritable(platform::Services& services, const std::string& path) {
+  const auto file = services.files->GetFile(path);
+  if (!file.ok() || !file->read_only) return {};
+  return services.files->SetReadOnly(path, false);
+}
+
+void MakeFolderPath(platform::Services& services, const std::string& path) {
+  const std::string whole = path.ends_with('\\') ? path : path + "\\";
+  for (size_t i = whole.find('\\', 3); i != std::string::npos; i = whole.find('\\', i + 1))
+    services.files->CreateFolder(whole.substr(0, i)).IgnoreError();
+}
+
+bool CopyFileToFolder(platform::Services& services, const std::string& path, const std::string& folder,
+                      FileListPtr& list) {
+  if (!list) list = std::make_unique<FileList>();
+  const std::string name = FileNameOf(path);
+  const std::string target = folder + "\\" + name;
+  while (!services.files->FileExists(path)) {
+    if (!AskRetry(services, "Could not copy the source file " + path +
+                                ".  Please verify that the file exists and that you have permissions to "
+                                "access it."))
+      return false;
+  }
+  MakeWritable(services, target).IgnoreError();
+  while (!services.files->CopyFile(path, target, true).ok()) {
+    if (!AskRetry(services, "Could not copy file to " + target +
+                                ".  Please verify that the file does not already exist, that the folder is "
+                                "writable and that the drive is not full."))
+      return false;
+  }
+  MakeWritable(services, target).IgnoreError();
+  list->push_back(ToUpper(name));
+  return true;
+}
+
+}  // namespace kw
