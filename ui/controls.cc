@@ -35,13 +35,12 @@ void Control::SetVisible(bool visible) {
   Notify(Change::kVisible);
 }
 
-bool Control::UserCanUse() const {
-  return enabled_ && visible_ && form_.Visible() && form_.Enabled() &&
-         form_.MousePointer() == Pointer::kDefault;
-}
+bool Control::UserCanUse() const { return enabled_ && visible_ && form_.UserCanUse(); }
 
-void Control::SetFocus() {
-  if (form_.Visible()) form_.Host().FocusControl(*this, false);
+void Control::SetFocus() { MoveFocus(false); }
+
+void Control::MoveFocus(bool select_all) {
+  if (form_.Visible() && visible_ && enabled_) form_.Host().FocusControl(*this, select_all);
 }
 
 Label::Label(Form& form, std::string name, std::string text)
@@ -79,9 +78,7 @@ void TextBox::EnableWithColor(bool enabled) {
   SetBack(enabled ? BackColor::kWindow : BackColor::kFace);
 }
 
-void TextBox::SelectField() {
-  if (Owner().Visible()) Owner().Host().FocusControl(*this, true);
-}
+void TextBox::SelectField() { MoveFocus(true); }
 
 Editor::Editor(Form& form, std::string name) : Control(form, ControlKind::kEditor, std::move(name), "") {}
 
@@ -125,12 +122,14 @@ void ListBox::Clear() {
 void ListBox::Add(std::string item) { Insert(Count(), std::move(item)); }
 
 void ListBox::Insert(int index, std::string item) {
+  if (index < 0 || index > Count()) return;
   items_.insert(items_.begin() + index, std::move(item));
   if (selected_ >= index) ++selected_;
   Notify(Change::kItems);
 }
 
 void ListBox::Remove(int index) {
+  if (index < 0 || index >= Count()) return;
   items_.erase(items_.begin() + index);
   if (selected_ == index) {
     selected_ = -1;

@@ -58,12 +58,13 @@ class Control {
   void SetVisible(bool visible);
   /// True if a person can act on it now: the form is visible, enabled and not busy, and so is the control.
   bool UserCanUse() const;
-  /// Moves the focus here. Passed over while the form is not visible.
+  /// Moves the focus here. Passed over while the form or the control cannot take it: not visible, disabled.
   void SetFocus();
 
  protected:
   void Notify(Change change);
   bool AssignText(std::string text);
+  void MoveFocus(bool select_all);
 
  private:
   Form& form_;
@@ -122,7 +123,7 @@ class TextBox : public Control {
   void EnableWithColor(bool enabled);
   /// Shown as dots.
   bool masked = false;
-  /// Gives the box the focus with its whole text selected; passed over on a form that is not visible.
+  /// Gives the box the focus with its whole text selected; passed over as SetFocus is.
   void SelectField();
   void UserType(std::string text) { SetText(std::move(text)); }
 
@@ -178,10 +179,13 @@ class ListBox : public Control {
   int Count() const { return static_cast<int>(items_.size()); }
   void Clear();
   void Add(std::string item);
+  /// In front of the entry at `index`; the selected entry stays selected. Out of range does nothing.
   void Insert(int index, std::string item);
+  /// Removing the selected entry leaves none selected.
   void Remove(int index);
   /// Selected index from 0, or -1.
   int Selected() const { return selected_; }
+  /// Fires on_click when the selection changes, from code too.
   void Select(int index);
   /// Width in pixels up to which the list scrolls sideways; 0 for none.
   int HorizontalExtent() const { return extent_; }
@@ -225,7 +229,9 @@ class Grid : public Control {
   int Rows() const { return static_cast<int>(cells_.size()); }
   /// Appends blank rows or cuts rows off at the end.
   void SetRows(int rows);
+  /// Adds a blank row in front of a data row, or at the end. The selection keeps its row number.
   void InsertRow(int before);
+  /// Removes a data row. The selection keeps its row number, or moves to the row that is the last then.
   void RemoveRow(int row);
   const std::string& Cell(int row, int column) const;
   void SetCell(int row, int column, std::string text);
@@ -275,7 +281,7 @@ class Tree : public Control {
   const TreeNode& Node(int index) const { return nodes_[static_cast<size_t>(index)]; }
   /// Replaces a node's look and content, not its place.
   void Update(int index, TreeNode node);
-  /// Index of the node with this key, -1 when there is none.
+  /// Index of the node with this key, -1 when there is none; nodes without a key are never found.
   int Find(std::string_view key) const;
   /// Node indexes from the top as they are drawn: each node before its children.
   std::vector<int> DrawnOrder() const;

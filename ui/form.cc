@@ -5,7 +5,9 @@
 namespace kw::ui {
 
 Form::Form(FormHost& host, std::string name, std::string caption, FormStyle style)
-    : host_(host), name_(std::move(name)), caption_(std::move(caption)), style_(style) {}
+    : host_(host), name_(std::move(name)), caption_(std::move(caption)), style_(style) {
+  host_.FormCreated(*this);
+}
 
 Form::~Form() { host_.FormDestroyed(*this); }
 
@@ -41,8 +43,8 @@ void Form::EnsureLoaded() {
 }
 
 void Form::Show() {
-  EnsureLoaded();
   if (host_.Ended()) return;
+  EnsureLoaded();
   if (visible_) {
     host_.FocusForm(*this);
     return;
@@ -53,8 +55,8 @@ void Form::Show() {
 }
 
 void Form::ShowModal() {
-  EnsureLoaded();
   if (host_.Ended() || visible_) return;
+  EnsureLoaded();
   visible_ = true;
   modal_ = true;
   host_.FormShown(*this);

@@ -49,6 +49,9 @@ class Form {
   /// The pop-up menus of the form, for adapters that list them.
   virtual std::vector<const PopupMenu*> Menus() const { return {}; }
 
+  /// True if a person can act on it now: it is visible, enabled and not busy.
+  bool UserCanUse() const { return visible_ && enabled_ && pointer_ == Pointer::kDefault; }
+
   /// Runs Load if it has not run.
   void EnsureLoaded();
   /// Shows the form modeless and fires Activate; on a visible form it only gives it the focus.

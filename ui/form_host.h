@@ -19,12 +19,15 @@ enum class Change { kText, kEnabled, kVisible, kValue, kItems, kSelection, kColo
 class FormHost {
  public:
   virtual ~FormHost() = default;
+  /// A form's object was made, by its name and style; its controls are still to come. A host that finds forms
+  /// by their names takes note.
+  virtual void FormCreated(Form&) {}
   /// The form became visible (its state says so already); makes its window when there is none.
   virtual void FormShown(Form& form) = 0;
   virtual void FormHidden(Form& form) = 0;
   /// Runs a nested event loop until `form`, which was just shown, is hidden.
   virtual void RunModal(Form& form) = 0;
-  /// The form's object goes away; its window must go too.
+  /// The form's object goes away; its window must go too. Its controls are gone already.
   virtual void FormDestroyed(Form& form) = 0;
   /// Caption, enabled state or mouse pointer of the form changed.
   virtual void FormChanged(Form& form) = 0;

@@ -23,11 +23,13 @@ void Grid::SetRows(int rows) {
 }
 
 void Grid::InsertRow(int before) {
+  if (before < 1 || before > Rows()) return;
   cells_.insert(cells_.begin() + before, std::vector<std::string>(widths_.size()));
   Notify(Change::kItems);
 }
 
 void Grid::RemoveRow(int row) {
+  if (row < 1 || row >= Rows()) return;
   cells_.erase(cells_.begin() + row);
   selected_ = std::max(1, std::min(selected_, Rows() - 1));
   Notify(Change::kItems);

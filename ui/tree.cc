@@ -27,6 +27,7 @@ void Tree::Update(int index, TreeNode node) {
 }
 
 int Tree::Find(std::string_view key) const {
+  if (key.empty()) return -1;
   for (int i = 0; i < Count(); ++i) {
     if (Node(i).key == key) return i;
   }
@@ -55,14 +56,14 @@ int Tree::Depth(int index) const {
 }
 
 void Tree::Select(int index) {
-  if (index == selected_) return;
+  if (index == selected_ || index < -1 || index >= Count()) return;
   selected_ = index;
   Notify(Change::kSelection);
 }
 
 void Tree::UserClickNode(int index, MouseButton button) {
   if (on_mouse_down) on_mouse_down(button);
-  selected_ = index;
+  Select(index);
   if (on_node_click) on_node_click(index);
 }
 

@@ -1,0 +1,60 @@
+#include "ui/drive/driver.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kw::ui::drive {
+
+Driver::Driver(std::istream& script, std::ostream& out, platform::Processes& processes,
+               platform::ClosedLibraries& libraries)
+    : run_(script, out),
+      host_(run_, queue_),
+      dialogs_(run_, queue_),
+      recorded_processes_(processes, run_.transcript()),
+      processes_(recorded_processes_),
+      libraries_(libraries, run_.transcript()) {
+  host_.OnModalTurn([this] { CarryOutNext(); });
+  host_.OnEventTurn([this] { processes_.EventTurn(); });
+}
+
+int Driver::Run(const std::function<void()>& entry) {
+  entry();
+  EndWithoutPage();
+  while (!run_.Over()) {
+    CarryOutNext();
+    EndWithoutPage();
+  }
+  return run_.ExitStatus();
+}
+
+void Driver::CarryOutNext() {
+  const auto line = run_.NextCommand();
+  if (!line) {
+    run_.Finish();
+    return;
+  }
+  // A dialog that a "meanwhile" command opened takes its commands from the script like any other.
+  const bool meanwhile = std::exchange(meanwhile_, false);
+  CarryOut(*line);
+  meanwhile_ = meanwhile;
+}
+
+void Driver::CarryOut(const std::string& line) {
+  const size_t blank = line.find(' ');
+  const std::string name = line.substr(0, blank);
+  const auto command = std::find_if(Commands().begin(), Commands().end(),
+                                    [&](const Command& candidate) { return name == candidate.name; });
+  if (command == Commands().end()) {
+    run_.Stop("unknown command " + name);
+    return;
+  }
+  (this->*command->handler)(blank == std::string::npos ? "" : line.substr(blank + 1));
+  if (command->acts && !meanwhile_) host_.DropLeftAnswers();
+}
+
+// As with real windows: without one there is nothing left that could happen.
+void Driver::EndWithoutPage() {
+  if (host_.VisibleForms().empty()) host_.EndProgram();
+}
+
+}  // namespace kw::ui::drive

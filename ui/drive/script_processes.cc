@@ -1,0 +1,56 @@
+#include "ui/drive/script_processes.h"
+
+#include <chrono>
+#include <thread>
+#include <utility>
+
+namespace kw::ui::drive {
+
+class ScriptProcesses::Child : public platform::Process {
+ public:
+  Child(std::unique_ptr<platform::Process> inner, ScriptProcesses& owner)
+      : inner_(std::move(inner)), owner_(owner) {
+    ++owner_.running_;
+  }
+  ~Child() override { SetEnded(); }
+
+  int ExitCode() override {
+    if (!ended_ && !owner_.meanwhile_.empty()) return platform::kStillActive;
+    const int code = inner_->ExitCode();
+    if (code != platform::kStillActive) SetEnded();
+    return code;
+  }
+  std::string ForegroundWindowTitle() override { return inner_->ForegroundWindowTitle(); }
+
+ private:
+  void SetEnded() {
+    if (!ended_) --owner_.running_;
+    ended_ = true;
+  }
+
+  std::unique_ptr<platform::Process> inner_;
+  ScriptProcesses& owner_;
+  bool ended_ = false;
+};
+
+void ScriptProcesses::EventTurn() {
+  if (running_ == 0) return;
+  // Taken out first: a command may wait for a child of its own.
+  for (const auto& command : std::exchange(meanwhile_, {})) command();
+  // Long enough not to use up a processor, short enough that nobody waits for it.
+  std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+Result<std::unique_ptr<platform::Process>> ScriptProcesses::Start(const std::string& command_line,
+                                                                  platform::WindowStyle style) {
+  KW_ASSIGN_OR_RETURN(std::unique_ptr<platform::Process> inner, inner_.Start(command_line, style));
+  return std::unique_ptr<platform::Process>(std::make_unique<Child>(std::move(inner), *this));
+}
+
+void ScriptProcesses::SetEnvironment(const std::string& name, const std::string& value) {
+  inner_.SetEnvironment(name, value);
+}
+
+void ScriptProcesses::BringWindowToFront(const std::string& title) { inner_.BringWindowToFront(title); }
+
+}  // namespace kw::ui::drive

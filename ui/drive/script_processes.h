@@ -1,0 +1,40 @@
+#ifndef KITWRIGHT_UI_DRIVE_SCRIPT_PROCESSES_H_
+#define KITWRIGHT_UI_DRIVE_SCRIPT_PROCESSES_H_
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/processes.h"
+
+namespace kw::ui::drive {
+
+/// Child processes during which the script goes on: what is queued for "meanwhile" runs at the first event
+/// turn of the next wait for a child. Until then a child counts as running, so that a quick one does not pass
+/// the script by.
+class ScriptProcesses : public platform::Processes {
+ public:
+  /// `inner` outlives this object, and this object every process that it started.
+  explicit ScriptProcesses(platform::Processes& inner) : inner_(inner) {}
+
+  void QueueMeanwhile(std::function<void()> command) { meanwhile_.push_back(std::move(command)); }
+  /// An event turn: runs what is queued if a child is waited for, and gives the child a moment.
+  void EventTurn();
+
+  Result<std::unique_ptr<platform::Process>> Start(const std::string& command_line,
+                                                   platform::WindowStyle style) override;
+  void SetEnvironment(const std::string& name, const std::string& value) override;
+  void BringWindowToFront(const std::string& title) override;
+
+ private:
+  class Child;
+
+  platform::Processes& inner_;
+  std::deque<std::function<void()>> meanwhile_;
+  int running_ = 0;
+};
+
+}  // namespace kw::ui::drive
+
+#endif  // KITWRIGHT_UI_DRIVE_SCRIPT_PROCESSES_H_
