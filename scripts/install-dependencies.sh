@@ -23,6 +23,11 @@ packages=(
   xauth
   xdotool
   xvfb
+  # The sample machine: its packages, archives and Windows programs
+  gcab
+  gcc-mingw-w64-x86-64-posix
+  zip
+  zlib1g-dev
   # Judges of what the wizard wrote
   cabextract
   msitools
