@@ -1,5 +1,5 @@
-/* A program that starts and ends: what a package carries where only its name, its version block and its being a
-   program matter. */
+/* A program that starts and ends: what a package carries where only its name, its version block and its being
+   a program matter. */
 
 #include "start.h"
 

@@ -1,11 +1,11 @@
 /* The stub in front of a self-extracting package, original file name "Repacker.exe". Behind the program lie a
-   cabinet and sixteen bytes: "SMPLCAB1" and the cabinet's size, low byte first. The switch -nos_o"FOLDER" unpacks
-   into FOLDER and shows nothing; -nos_ne means that the unpacked files stay. Exit code 0 when all files are there,
-   1 when something failed, 87 without a folder. */
-
-#include "start.h"
+   cabinet and sixteen bytes: "SMPLCAB1" and the cabinet's size, low byte first. The switch -nos_o"FOLDER"
+   unpacks into FOLDER and shows nothing; -nos_ne means that the unpacked files stay. Exit code 0 when all
+   files are there, 1 when something failed, 87 without a folder. */
 
 #include <setupapi.h>
+
+#include "start.h"
 
 static WCHAR g_folder[MAX_PATH];
 static WCHAR g_program[MAX_PATH];
@@ -14,8 +14,9 @@ static char g_buffer[65536];
 
 static BOOL TakeFolder(void) {
   WCHAR before = 0;
-  for (const WCHAR *at = Arguments(); *at; before = *at++) {
-    if (at[0] != L'-' || at[1] != L'n' || at[2] != L'o' || at[3] != L's' || at[4] != L'_' || at[5] != L'o') continue;
+  for (const WCHAR* at = Arguments(); *at; before = *at++) {
+    if (at[0] != L'-' || at[1] != L'n' || at[2] != L'o' || at[3] != L's' || at[4] != L'_' || at[5] != L'o')
+      continue;
     at += 6;
     /* Quotes stand around the folder, or around the whole switch where another program passed it on. */
     WCHAR end = before == L'"' ? L'"' : L' ';
@@ -31,8 +32,8 @@ static BOOL TakeFolder(void) {
 }
 
 /* Makes every folder of a path but the last part. */
-static void MakeFolders(WCHAR *path) {
-  for (WCHAR *at = path + 3; *at; ++at) {
+static void MakeFolders(WCHAR* path) {
+  for (WCHAR* at = path + 3; *at; ++at) {
     if (*at != L'\\') continue;
     *at = 0;
     CreateDirectoryW(path, NULL);
@@ -44,8 +45,8 @@ static UINT CALLBACK OnNotify(PVOID context, UINT what, UINT_PTR first, UINT_PTR
   (void)context;
   (void)second;
   if (what != SPFILENOTIFY_FILEINCABINET) return NO_ERROR;
-  FILE_IN_CABINET_INFO_W *entry = (FILE_IN_CABINET_INFO_W *)first;
-  for (const WCHAR *at = entry->NameInCabinet; *at; ++at) {
+  FILE_IN_CABINET_INFO_W* entry = (FILE_IN_CABINET_INFO_W*)first;
+  for (const WCHAR* at = entry->NameInCabinet; *at; ++at) {
     if (*at == L':' || (at[0] == L'.' && at[1] == L'.')) return FILEOP_ABORT;
   }
   if (lstrlenW(g_folder) + lstrlenW(entry->NameInCabinet) + 2 > MAX_PATH) return FILEOP_ABORT;
@@ -65,12 +66,14 @@ static BOOL WriteCabinet(void) {
   DWORD done = 0;
   BOOL good = GetFileSizeEx(program, &size) && size.QuadPart > 16;
   at.QuadPart = size.QuadPart - 16;
-  good = good && SetFilePointerEx(program, at, NULL, FILE_BEGIN) && ReadFile(program, trailer, 16, &done, NULL) &&
-         done == 16 && trailer[0] == 0x314241434C504D53ULL && trailer[1] <= (ULONGLONG)at.QuadPart;
+  good = good && SetFilePointerEx(program, at, NULL, FILE_BEGIN) &&
+         ReadFile(program, trailer, 16, &done, NULL) && done == 16 && trailer[0] == 0x314241434C504D53ULL &&
+         trailer[1] <= (ULONGLONG)at.QuadPart;
   ULONGLONG left = good ? trailer[1] : 0;
   at.QuadPart -= (LONGLONG)left;
   good = good && SetFilePointerEx(program, at, NULL, FILE_BEGIN);
-  HANDLE cabinet = good ? CreateFileW(g_cabinet, GENERIC_WRITE, 0, NULL, CREATE_ALWAYS, 0, NULL) : INVALID_HANDLE_VALUE;
+  HANDLE cabinet =
+      good ? CreateFileW(g_cabinet, GENERIC_WRITE, 0, NULL, CREATE_ALWAYS, 0, NULL) : INVALID_HANDLE_VALUE;
   good = good && cabinet != INVALID_HANDLE_VALUE;
   while (good && left > 0) {
     DWORD part = left < sizeof(g_buffer) ? (DWORD)left : (DWORD)sizeof(g_buffer);

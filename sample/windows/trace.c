@@ -13,7 +13,8 @@ void Start(void) {
   if (size <= 0) ExitProcess(2);
   line[size - 1] = '\r';
   line[size] = '\n';
-  HANDLE file = CreateFileW(path, FILE_APPEND_DATA, FILE_SHARE_READ, NULL, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, NULL);
+  HANDLE file =
+      CreateFileW(path, FILE_APPEND_DATA, FILE_SHARE_READ, NULL, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, NULL);
   if (file == INVALID_HANDLE_VALUE) ExitProcess(1);
   DWORD written = 0;
   BOOL good = WriteFile(file, line, (DWORD)size + 1, &written, NULL) && written == (DWORD)size + 1;
