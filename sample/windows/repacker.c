@@ -3,8 +3,6 @@
    unpacks into FOLDER and shows nothing; -nos_ne means that the unpacked files stay. Exit code 0 when all
    files are there, 1 when something failed, 87 without a folder. */
 
-#include <setupapi.h>
-
 #include "start.h"
 
 static WCHAR g_folder[MAX_PATH];

@@ -5,7 +5,11 @@
    package of a hundred files stays small. */
 
 #define WIN32_LEAN_AND_MEAN
+// The second header needs the first.
+// clang-format off
 #include <windows.h>
+#include <setupapi.h>
+// clang-format on
 
 /* The arguments of this process: the command line behind the program's name, blanks skipped. */
 static inline const WCHAR* Arguments(void) {
