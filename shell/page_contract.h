@@ -1,6 +1,7 @@
 #ifndef KITWRIGHT_SHELL_PAGE_CONTRACT_H_
 #define KITWRIGHT_SHELL_PAGE_CONTRACT_H_
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -51,14 +52,36 @@ class Navigator {
   virtual void ReloadPages() = 0;
 
   /// The form of that name ("frmFeatures", "frmWelcome", "frmStatus"), made on first mention and kept until
-  /// it is unloaded. Never null for a name of this program.
+  /// it is unloaded. Made, but not loaded: use Get or Page to call it. The name must be one of this program.
   virtual ui::Form& FormByName(std::string_view name) = 0;
 
-  /// The form as its own class, by the class's kName.
+  /// The form as its own class, by the class's kName, loaded.
   template <typename T>
   T& Get() {
-    return static_cast<T&>(FormByName(T::kName));
+    T& form = dynamic_cast<T&>(FormByName(T::kName));
+    form.EnsureLoaded();
+    return form;
   }
+  /// The page of that name, loaded, through the contract alone.
+  WizardPage& Page(std::string_view name);
+};
+
+/// What pages and the build ask of other folders. The composition fills it in; an operation that is not set
+/// is left out of the sequences, and counts as a success.
+struct WizardOperations {
+  /// Packs the product settings into the package or the settings file; False stops the build.
+  std::function<bool()> AddProductSettings;
+  /// Rebuilds the cabinets and the tables that list them; False stops the build.
+  std::function<bool()> CreateCabFile;
+  /// Reads the settings that an opened package carries, and sets the source page of the settings by them.
+  std::function<void()> OpenPackageSettings;
+  /// Reads the agent that an opened package carries.
+  std::function<void()> ReadPackageAgent;
+  /// Copies the engine's text file beside the finished package.
+  std::function<void()> CopySigTermsTxt;
+  std::function<void()> CreateConsolePackage;
+  std::function<void()> CreateOptimizedConsolePackage;
+  std::function<void()> CreateSettingsConsolePackage;
 };
 
 /// What every page is given; outlives all pages.
@@ -67,6 +90,7 @@ struct PageContext {
   RunState& run;
   ui::FormHost& host;
   Navigator& navigator;
+  WizardOperations operations{};
 };
 
 /// Maps an installer feature key to the caption of the page behind it, "" when there is none.
@@ -88,6 +112,9 @@ class frmStatus : public ui::Form {
   /// Hides the window; a busy page stays busy.
   void HideWhileWaiting(ui::Form& page);
   ui::Layout ContentLayout() override;
+
+ protected:
+  void OnLoad() override;
 };
 
 /// Asks "Any changes you have made will be discarded."; on OK undoes the destination, cleans up and gives
@@ -95,7 +122,7 @@ class frmStatus : public ui::Form {
 bool ConfirmCancel(PageContext& context);
 /// Opens ZED.chm at a context number; a failure is told in a plain box.
 void ShowHelp(PageContext& context, int context_id);
-/// Removes the maximise command and applies the locale's font; start of every Load.
+/// Removes the maximise command and applies the locale's font; start of the Load of every page and dialog.
 void InitializePage(PageContext& context, ui::Form& page);
 
 /// Tells a failure in one plain box with the error's sentence. True when there was none.
@@ -143,6 +170,9 @@ class WizardPage : public ui::Form {
   int HelpId() const { return help_id_; }
   /// The whole page: title band, tree, PageLayout, buttons.
   ui::Layout ContentLayout() final;
+
+  /// Shows the welcome page in place of this one, without any question.
+  void BackToWelcome();
 
   // The buttons stand behind the page's own controls in the Tab order; AddButtons makes them.
   std::unique_ptr<ui::Line> Line2;

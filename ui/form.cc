@@ -29,6 +29,18 @@ void Form::SetMousePointer(Pointer pointer) {
   host_.FormChanged(*this);
 }
 
+void Form::SetTextFont(Font font) {
+  if (font == font_) return;
+  font_ = std::move(font);
+  host_.FormChanged(*this);
+}
+
+void Form::RemoveMaximize() {
+  if (!has_maximize_) return;
+  has_maximize_ = false;
+  host_.FormChanged(*this);
+}
+
 Control* Form::FindControl(std::string_view name) const {
   for (Control* control : controls_) {
     if (control->Name() == name) return control;

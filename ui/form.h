@@ -20,6 +20,14 @@ enum class FormStyle {
   kStatus   ///< the small status window
 };
 
+/// The face and size in points that a form's texts are shown in; an empty face leaves the adapter's own.
+struct Font {
+  std::string face;
+  int size = 0;
+  int charset = 0;  ///< the system's number of a character set
+  bool operator==(const Font& other) const = default;
+};
+
 /// A window as plain state, with its controls. Created hidden and not loaded; Load runs at its first showing
 /// or at EnsureLoaded. The host outlives it.
 class Form {
@@ -39,6 +47,11 @@ class Form {
   void SetEnabled(bool enabled);
   Pointer MousePointer() const { return pointer_; }
   void SetMousePointer(Pointer pointer);
+  const Font& TextFont() const { return font_; }
+  void SetTextFont(Font font);
+  /// Whether the window's frame offers to maximise it.
+  bool HasMaximize() const { return has_maximize_; }
+  void RemoveMaximize();
   bool Modal() const { return modal_; }
   bool Loaded() const { return loaded_; }
 
@@ -86,6 +99,8 @@ class Form {
   FormStyle style_;
   std::vector<Control*> controls_;
   Pointer pointer_ = Pointer::kDefault;
+  Font font_;
+  bool has_maximize_ = true;
   bool visible_ = false;
   bool enabled_ = true;
   bool modal_ = false;

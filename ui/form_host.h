@@ -29,7 +29,7 @@ class FormHost {
   virtual void RunModal(Form& form) = 0;
   /// The form's object goes away; its window must go too. Its controls are gone already.
   virtual void FormDestroyed(Form& form) = 0;
-  /// Caption, enabled state or mouse pointer of the form changed.
+  /// Caption, enabled state, mouse pointer, font or frame of the form changed.
   virtual void FormChanged(Form& form) = 0;
   virtual void ControlChanged(Control& control, Change change) = 0;
   /// A page moved the focus to a control; `select_all` marks its whole text.

@@ -1,0 +1,70 @@
+#include "shell/page_factories.h"
+
+#include <memory>
+
+#include "pages/frm_add_program.h"
+#include "pages/frm_add_remove_options.h"
+#include "pages/frm_additional_file.h"
+#include "pages/frm_additional_files.h"
+#include "pages/frm_features.h"
+#include "pages/frm_install_options.h"
+#include "pages/frm_post_install_options.h"
+#include "pages/frm_programs.h"
+#include "pages/frm_source_and_destination.h"
+#include "shell/frm_finish.h"
+#include "shell/frm_review_configuration.h"
+#include "shell/frm_welcome.h"
+#include "shell/placeholder_page.h"
+
+namespace kw {
+namespace {
+
+template <typename T>
+FormFactories::value_type Of() {
+  return {T::kName, [](PageContext& context) { return std::make_unique<T>(context); }};
+}
+
+/// A page that is still to come.
+FormFactories::value_type Later(const char* name, const char* title, int help_id) {
+  return {name, [=](PageContext& context) {
+            return std::make_unique<PlaceholderPage>(context, name, title, help_id);
+          }};
+}
+
+}  // namespace
+
+FormFactories AllFormFactories() {
+  return {
+      Of<frmStatus>(),
+      Of<frmWelcome>(),
+      Of<frmSourceAndDestination>(),
+      Of<frmFeatures>(),
+      Of<frmInstallOptions>(),
+      Of<frmAddRemoveOptions>(),
+      Of<frmPrograms>(),
+      Of<frmAddProgram>(),
+      Of<frmAdditionalFiles>(),
+      Of<frmAdditionalFile>(),
+      Of<frmPostInstallOptions>(),
+      Of<frmReviewConfiguration>(),
+      Of<frmFinish>(),
+      Later("frmConfigSource", "Source for Configuration", 1003),
+      Later("frmType", "Type", 1004),
+      Later("frmDestination", "Destination", 1005),
+      Later("frmOnAccessMonitor", "On-Access Scanner", 1006),
+      Later("frmEmailScan", "On-Delivery Scanner", 1007),
+      Later("frmScheduledScan", "Scheduled Scans", 1008),
+      Later("frmAutoUpdate", "AutoUpdate Schedule", 1010),
+      Later("frmBeaconryClient", "Beaconry Properties", 1011),
+      Later("frmUIOptions", "User Interface Properties", 1012),
+      Later("frmBeaconryServer", "Beaconry Installation", 1015),
+      Later("frmRegistrySettings", "Registry Settings", 1017),
+      Later("frmPatchFiles", "Patch Files", 1018),
+      Later("frmDATsAndEngine", "DAT and Engine Files", 1019),
+      Later("frmZEDPassword", "Kitwright Password", 1021),
+      Later("frmCommonUpdater", "AutoUpdate Configuration", 1022),
+      Later("frmInstallBWK", "Tamrix Bulwark", 1035),
+  };
+}
+
+}  // namespace kw
