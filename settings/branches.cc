@@ -54,7 +54,8 @@ Result<std::string> EncryptText(platform::Services& services, const std::string&
 }
 
 bool TakeChangeFlag(platform::Services& services, const std::string& name) {
-  auto key = services.registry->OpenKey(platform::Hive::kCurrentUser, kStagingBranch, platform::kKeyReadWrite);
+  auto key =
+      services.registry->OpenKey(platform::Hive::kCurrentUser, kStagingBranch, platform::kKeyReadWrite);
   if (!key.ok()) return false;
   const auto value = (*key)->QueryValue(name, kRegistryBuffer);
   if (!value.ok() || value->type != platform::kRegDword) return false;
@@ -62,8 +63,8 @@ bool TakeChangeFlag(platform::Services& services, const std::string& name) {
   return value->Dword(0) != 0;
 }
 
-uint32_t ReadDword(platform::Services& services, platform::Hive hive, const std::string& key, std::string_view name,
-                   uint32_t fallback) {
+uint32_t ReadDword(platform::Services& services, platform::Hive hive, const std::string& key,
+                   std::string_view name, uint32_t fallback) {
   auto opened = services.registry->OpenKey(hive, key, platform::kKeyQuery);
   if (!opened.ok()) return fallback;
   const auto value = (*opened)->QueryValue(name, kRegistryBuffer);

@@ -55,7 +55,8 @@ class Import {
                platform::WindowStyle::kHidden);
     if (files_.FileExists(folder_ + "\\KTE700.CFG")) return true;
     Tell(
-        "The provided cab file does not appear to contain Kestrane Enterprise settings.  Please choose a different cab "
+        "The provided cab file does not appear to contain Kestrane Enterprise settings.  Please choose a "
+        "different cab "
         "file and try again.");
     files_.DeleteFolder(folder_, true).IgnoreError();
     return false;
@@ -103,7 +104,8 @@ class Import {
     run_.ProductLocale = ReadRegistryString(services_, Hive::kCurrentUser, kStagingBranch, "Language");
     if (run_.ProductLocale == "0000") return true;
     if (run_.PackageMode && run_.ProductLocale != run_.PackageLocale) {
-      return RefuseLanguage("Language of the configuration file does not match that of the installation package.");
+      return RefuseLanguage(
+          "Language of the configuration file does not match that of the installation package.");
     }
     if (run_.ProductInstalled && GetInstalledProductLanguage(services_, run_) != run_.ProductLocale) {
       return RefuseLanguage(
@@ -123,11 +125,13 @@ class Import {
     if (!files_.FileExists(folder_ + "\\SiteList.CFG")) return;
     if (!DecryptFile(services_, folder_ + "\\SiteList.CFG", list)) {
       Tell(
-          "Could not decrypt AutoUpdate repository list file.  You may configure the AutoUpdate repository list on the "
+          "Could not decrypt AutoUpdate repository list file.  You may configure the AutoUpdate repository "
+          "list on the "
           "AutoUpdate Configuration page.");
     } else if (!IsLoadableXmlFile(services_, list)) {
       Tell(
-          "The AutoUpdate repository list file does not appear to be valid.  You may configure the AutoUpdate "
+          "The AutoUpdate repository list file does not appear to be valid.  You may configure the "
+          "AutoUpdate "
           "repository list on the AutoUpdate Configuration page.");
       files_.DeleteFile(list, true).IgnoreError();
     }
@@ -137,14 +141,14 @@ class Import {
     if (!files_.FileExists(folder_ + "\\BulwarkPrefs.CFG")) return;
     if (DecryptFile(services_, folder_ + "\\BulwarkPrefs.CFG", folder_ + "\\BulwarkPrefs.TXT")) return;
     Tell(
-        "Could not decrypt Tamrix Bulwark configuration file.  You may configure the Bulwark on the Tamrix Bulwark "
+        "Could not decrypt Tamrix Bulwark configuration file.  You may configure the Bulwark on the Tamrix "
+        "Bulwark "
         "page.");
   }
 
   void CopyToComparisonBranch() {
     DeleteBranch(services_, Hive::kCurrentUser, kComparisonBranch);
-    const auto key =
-        services_.registry->CreateKey(Hive::kCurrentUser, kComparisonBranch, platform::kKeyAll);
+    const auto key = services_.registry->CreateKey(Hive::kCurrentUser, kComparisonBranch, platform::kKeyAll);
     if (key.ok()) CopyBranch(services_, kStagingBranch, kComparisonBranch);
   }
 

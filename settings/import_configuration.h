@@ -12,8 +12,8 @@ inline constexpr const char* kSourceIsSystem = "ZED_SettingsFromSystem";
 inline constexpr const char* kSourceIsNone = "ZED_NoSettings";
 
 /// Reads a settings cabinet into the staging branch. True when the branch holds the cabinet's settings; then
-/// ConfigAppDataFolder is the folder that the cabinet was unpacked into. `show_missing_message` decides only whether a
-/// missing file is told.
+/// ConfigAppDataFolder is the folder that the cabinet was unpacked into. `show_missing_message` decides only
+/// whether a missing file is told.
 bool ImportConfiguration(PageContext& context, const std::string& path, bool show_missing_message);
 
 }  // namespace kw

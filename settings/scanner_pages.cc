@@ -18,7 +18,8 @@ constexpr int kSaveAtOnce = 1;
 }  // namespace
 
 ScannerPage::ScannerPage(PageContext& context, std::string name, std::string title, std::string text,
-                         std::string button, int help_id, bool& flag, std::string line_set, std::string line_clear)
+                         std::string button, int help_id, bool& flag, std::string line_set,
+                         std::string line_clear)
     : WizardPage(context, std::move(name), std::move(title), "Label4", std::move(text), help_id),
       ConfigureSettings(*this, "ConfigureSettings", std::move(button)),
       flag_(flag),
@@ -47,16 +48,18 @@ int ScannerPage::RunTool(const std::string& command, bool already_configured) {
 }
 
 frmOnAccessMonitor::frmOnAccessMonitor(PageContext& context)
-    : ScannerPage(context, kName, "On-Access Scanner",
-                  "Configure On-Access Scan Properties to specify what to scan, and what to do when viruses and "
-                  "infected files are found.",
-                  "&Configure On-Access Scan Properties", 1006, context.run.changes.ConfigChangedOnAccess,
-                  "On-Access Scan Properties were configured.", "On-Access Scan Properties were not configured.") {}
+    : ScannerPage(
+          context, kName, "On-Access Scanner",
+          "Configure On-Access Scan Properties to specify what to scan, and what to do when viruses and "
+          "infected files are found.",
+          "&Configure On-Access Scan Properties", 1006, context.run.changes.ConfigChangedOnAccess,
+          "On-Access Scan Properties were configured.", "On-Access Scan Properties were not configured.") {}
 
 void frmOnAccessMonitor::Configure() {
   if (RunTool("OasCfg32", flag_) != 0) {
     services_.dialogs->Message(
-        "Configuring the On-Access Scan Properties failed. Please make sure that Kestrane Enterprise is installed "
+        "Configuring the On-Access Scan Properties failed. Please make sure that Kestrane Enterprise is "
+        "installed "
         "properly.");
   }
   if (TakeChangeFlag(services_, "bOasCfg32")) {
@@ -72,16 +75,18 @@ void frmOnAccessMonitor::TransferSettings() {
 }
 
 frmEmailScan::frmEmailScan(PageContext& context)
-    : ScannerPage(context, kName, "On-Delivery Scanner",
-                  "Configure On-Delivery Scan Properties to specify how e-mail files, their attachments and message "
-                  "bodies, are scanned and specify what to do when viruses and infected files are found.",
-                  "&Configure On-Delivery Scan Properties", 1007, context.run.changes.ConfigChangedEmailScan,
-                  "On-Delivery Scan Properties were configured", "On-Delivery Scan Properties were not configured") {}
+    : ScannerPage(
+          context, kName, "On-Delivery Scanner",
+          "Configure On-Delivery Scan Properties to specify how e-mail files, their attachments and message "
+          "bodies, are scanned and specify what to do when viruses and infected files are found.",
+          "&Configure On-Delivery Scan Properties", 1007, context.run.changes.ConfigChangedEmailScan,
+          "On-Delivery Scan Properties were configured", "On-Delivery Scan Properties were not configured") {}
 
 void frmEmailScan::Configure() {
   if (run_.ProductInstallDir.empty() || !run_.HasEmailScanFeature) {
     services_.dialogs->Message(
-        "Configuring the On-Delivery Scan properties failed. Please make sure that Kestrane Enterprise is installed "
+        "Configuring the On-Delivery Scan properties failed. Please make sure that Kestrane Enterprise is "
+        "installed "
         "properly.");
     return;
   }
@@ -107,7 +112,8 @@ void frmEmailScan::TransferSettings() {
 
 frmBeaconryClient::frmBeaconryClient(PageContext& context)
     : ScannerPage(context, kName, "Beaconry Properties",
-                  "Configure Beaconry properties to specify what components to generate alerts, Beaconry destination, "
+                  "Configure Beaconry properties to specify what components to generate alerts, Beaconry "
+                  "destination, "
                   "alert messages, and recipients.",
                   "&Configure Beaconry Properties", 1011, context.run.changes.ConfigChangedBeaconry,
                   "Beaconry Properties were configured.", "Beaconry Properties were not configured.") {}
@@ -132,16 +138,18 @@ void frmBeaconryClient::TransferSettings() {
 }
 
 frmUIOptions::frmUIOptions(PageContext& context)
-    : ScannerPage(context, kName, "User Interface Properties",
-                  "Configure Kestrane Enterprise user interface properties to specify display options and user "
-                  "interface password options.",
-                  "&Configure user interface properties", 1012, context.run.changes.ConfigChangedUi,
-                  "UI options were configured.", "UI options were not configured.") {}
+    : ScannerPage(
+          context, kName, "User Interface Properties",
+          "Configure Kestrane Enterprise user interface properties to specify display options and user "
+          "interface password options.",
+          "&Configure user interface properties", 1012, context.run.changes.ConfigChangedUi,
+          "UI options were configured.", "UI options were not configured.") {}
 
 void frmUIOptions::Configure() {
   if (RunTool("TxDesk /UIOPTIONS", flag_) != 0) {
     services_.dialogs->Message(
-        "Configuring user interface properties failed. Please make sure that Kestrane Enterprise is installed "
+        "Configuring user interface properties failed. Please make sure that Kestrane Enterprise is "
+        "installed "
         "properly.");
   }
   if (TakeChangeFlag(services_, "bUIOptions")) flag_ = true;

@@ -7,8 +7,8 @@
 
 namespace kw {
 
-/// A nearly bare page with one button that starts the product's own dialog box. It knows afterwards only whether the
-/// user changed something; the settings travel through the staging branch.
+/// A nearly bare page with one button that starts the product's own dialog box. It knows afterwards only
+/// whether the user changed something; the settings travel through the staging branch.
 class ScannerPage : public WizardPage, public SettingsPage {
  public:
   void AddChoices(ui::ListBox& list) override;

@@ -1,0 +1,49 @@
+#ifndef KITWRIGHT_SETTINGS_FRM_ADD_TASK_H_
+#define KITWRIGHT_SETTINGS_FRM_ADD_TASK_H_
+
+#include <string>
+
+#include "pages/wizard_dialog.h"
+#include "settings/task_page.h"
+
+namespace kw {
+
+/// Adds or edits one task of frmScheduledScan or frmAutoUpdate.
+class frmAddTask : public WizardDialog {
+ public:
+  static constexpr const char* kName = "frmAddTask";
+  explicit frmAddTask(PageContext& context);
+
+  /// Prepares the dialog for a task.
+  void ReadConfig(const std::string& identifier, const std::string& name, bool is_new, TaskKind kind);
+
+  ui::Label TaskNameLabel;
+  ui::TextBox TaskName;
+  ui::Button ConfigureSettings;
+  ui::Button OK;
+  ui::Button Cancel;
+  ui::Button Help;
+
+  ui::Layout ContentLayout() override;
+
+ protected:
+  bool OnQueryUnload() override;
+
+ private:
+  TaskPage& Parent();
+  std::string Key();
+  void OnNameChange();
+  void OnConfigure();
+  void Configure();
+  void OnOk();
+  void AbandonTask();
+
+  std::string identifier_;
+  bool IsNewTask = false;
+  TaskKind kind_ = TaskKind::kScan;
+  bool InSettingsTool = false;
+};
+
+}  // namespace kw
+
+#endif  // KITWRIGHT_SETTINGS_FRM_ADD_TASK_H_
