@@ -6,42 +6,15 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/errno_number_linux.h"
 #include "base/storage.h"
 
 namespace kw {
 namespace {
 
-int NumberOfErrno(int error) {
-  switch (error) {
-    case ENOENT:
-      return kErrorFileNotFound;
-    case ENOTDIR:
-      return kErrorPathNotFound;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-    case EISDIR:
-      return kErrorAccessDenied;
-    case EEXIST:
-      return kErrorFileExists;
-    case ENOSPC:
-    case EDQUOT:
-    case EFBIG:
-      return kErrorDiskFull;
-    case EBUSY:
-    case ETXTBSY:
-      return kErrorSharingViolation;
-    case ENAMETOOLONG:
-    case EILSEQ:
-      return kErrorInvalidName;
-    default:
-      return kErrorIo;
-  }
-}
-
 Error Failure(const char* what, const std::string& path) {
   const int error = errno;
-  return Error{NumberOfErrno(error),
+  return Error{ErrorNumberOfErrno(error),
                std::string("Could not ") + what + " " + path + ": " + std::strerror(error) + "."};
 }
 

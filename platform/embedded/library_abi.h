@@ -1,15 +1,15 @@
 #ifndef KITWRIGHT_PLATFORM_EMBEDDED_LIBRARY_ABI_H_
 #define KITWRIGHT_PLATFORM_EMBEDDED_LIBRARY_ABI_H_
 
-/* How the makers' closed libraries are called: plain C functions under their exported names, found in a shared
-   object NAME.so on the embedded machine and in NAME.dll on Windows. A stand-in includes this header, so that
-   the compiler checks its functions against the calls.
+/* How the makers' closed libraries are called: plain C functions under their exported names, found in a
+   shared object NAME.so on the embedded machine and in NAME.dll on Windows. A stand-in includes this header,
+   so that the compiler checks its functions against the calls.
 
-   `char16_t` text is UTF-16 and `char` text is in the machine's 8-bit code page, both with a terminating zero.
-   Texts belong to the caller and live for the call, but for a result, which belongs to the library and lives
-   until the next call of the same function. Paths are Windows paths. Calls come on one thread. The library runs
-   in the wizard's process: it finds the machine's folder and the current folder as every program of the machine
-   does (MachinePaths::OfThisProcess). */
+   `char16_t` text is UTF-16 and `char` text is in the machine's 8-bit code page, both with a terminating
+   zero. Texts belong to the caller and live for the call, but for a result, which belongs to the library and
+   lives until the next call of the same function. Paths are Windows paths. Calls come on one thread. The
+   library runs in the wizard's process: it finds the machine's folder and the current folder as every program
+   of the machine does (MachinePaths::OfThisProcess). */
 
 #include <stdint.h>
 #include <uchar.h>
@@ -28,16 +28,16 @@ extern "C" {
 #define KITWRIGHT_HKEY_CURRENT_USER ((uintptr_t)0x80000001u)
 #define KITWRIGHT_HKEY_LOCAL_MACHINE ((uintptr_t)0x80000002u)
 
-/* An open key on the embedded machine, where REG_SHCopyKey is given the address of one. On Windows it is given
-   the system's own handle. */
+/* An open key on the embedded machine, where REG_SHCopyKey is given the address of one. On Windows it is
+   given the system's own handle. */
 typedef struct KitwrightOpenKey {
   uintptr_t root;
   const char16_t* path; /* below the root, without it */
 } KitwrightOpenKey;
 
-/* Every library may export it: the number of the error that the last call of any other function raised, 0 when
-   that call ended normally. It stands for what a caller sees as a failed call and not as a result; a library
-   that does not export it never raises. */
+/* Every library may export it: the number of the error that the last call of any other function raised, 0
+   when that call ended normally. It stands for what a caller sees as a failed call and not as a result; a
+   library that does not export it never raises. */
 KITWRIGHT_EXPORT int LastCallRaised(void);
 
 /* zedutil */
@@ -48,8 +48,8 @@ KITWRIGHT_EXPORT int REG_SHDeleteEmptyKeyEx(uintptr_t root, const char16_t* subk
 KITWRIGHT_EXPORT int REG_SHCopyKey(uintptr_t root, const char16_t* subkey, const void* open_destination_key,
                                    int zero);
 KITWRIGHT_EXPORT int ConvertRegFile(const char16_t* path, int zero);
-/* File mode (`file` 1): `length` is 0, `input` and `output` are char16_t paths. Text mode (`file` 0): both are the
-   same char buffer of `length` characters, changed in place, whose length stays. */
+/* File mode (`file` 1): `length` is 0, `input` and `output` are char16_t paths. Text mode (`file` 0): both
+   are the same char buffer of `length` characters, changed in place, whose length stays. */
 KITWRIGHT_EXPORT int EncryptDecrypt(int encrypt, int file, int length, const void* input, void* output);
 
 /* TxMailScan; `window` may be null. */
