@@ -14,6 +14,10 @@ packages=(
   adwaita-icon-theme
   fonts-dejavu-core
   libwxgtk3.2-dev
+  # Cabinets
+  libdeflate-dev
+  libisal-dev
+  libmspack-dev
   # Tests
   libgmock-dev
   libgtest-dev

@@ -1,0 +1,227 @@
+#include "cabinet/block_decoder.h"
+
+#include <libdeflate.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cabinet/history_inflater.h"
+#include "cabinet/workers.h"
+
+namespace kw::cabinet {
+namespace {
+
+constexpr size_t kBlocksInBatch = 16;
+constexpr size_t kPackedRoom = 192 * 1024;
+constexpr size_t kPackedBlockRoom = kDataRecordSize + 255 + kMaxCompressedBlock;
+constexpr size_t kHistory = kBlockSize;
+
+struct FreeDecompressor {
+  void operator()(libdeflate_decompressor* decompressor) const { libdeflate_free_decompressor(decompressor); }
+};
+
+enum class BlockState { kWaiting, kDone, kNeedsHistory, kBadChecksum, kBadData };
+
+struct Block {
+  const std::byte* record = nullptr;   // checksum and sizes
+  std::span<const std::byte> checked;  // sizes and what is reserved
+  std::span<const std::byte> data;
+  size_t out_offset = 0;
+  size_t out_size = 0;
+  BlockState state = BlockState::kWaiting;
+};
+
+// Some consecutive blocks of a folder. `content` is the history that they may refer to, and then what they
+// unpack to.
+struct Batch {
+  explicit Batch(size_t room)
+      : packed(std::min(kPackedRoom, room * kPackedBlockRoom)), content(kHistory + room * kBlockSize) {}
+
+  std::vector<std::byte> packed;
+  size_t packed_size = 0;
+  std::vector<std::byte> content;
+  size_t content_size = 0;
+  bool try_alone = true;
+  size_t first_block = 0;
+  size_t needed_history = 0;
+  std::vector<Block> blocks;
+  std::unique_ptr<libdeflate_decompressor, FreeDecompressor> alone{libdeflate_alloc_decompressor()};
+  HistoryInflater with_history;
+  Workers::Task task;
+
+  std::span<std::byte> OutOf(const Block& block) {
+    return {content.data() + kHistory + block.out_offset, block.out_size};
+  }
+};
+
+class Decoder {
+ public:
+  Decoder(StorageFile& file, const CabinetFolder& folder, uint8_t reserved, unsigned threads)
+      : file_(file),
+        folder_(folder),
+        record_size_(kDataRecordSize + reserved),
+        mszip_((folder.type & kCompressionMask) == kMszip),
+        position_(folder.data_offset),
+        room_(std::min<size_t>(kBlocksInBatch, folder.blocks)),
+        workers_(folder.blocks <= kBlocksInBatch ? 1 : threads) {
+    const size_t needed = folder.blocks / kBlocksInBatch + 2;
+    batches_.reserve(std::min<size_t>(needed, 2 * threads + 2));
+    while (batches_.size() < batches_.capacity()) batches_.emplace_back(room_);
+    for (size_t i = 0; i < batches_.size(); ++i) {
+      Batch* before = &batches_[(i + batches_.size() - 1) % batches_.size()];
+      batches_[i].task.run = [this, i, before] { Unpack(batches_[i], before); };
+    }
+  }
+
+  Status Run(const TakeBytes& take) {
+    while (true) {
+      // A batch is filled anew only when the one behind it, which may still read its history there, was
+      // delivered.
+      while (blocks_read_ < folder_.blocks && filled_ - delivered_ + 1 < batches_.size() &&
+             read_outcome_.ok()) {
+        Batch& batch = batches_[filled_ % batches_.size()];
+        if (filled_ > 0) batch.try_alone = !expect_history_;
+        read_outcome_ = Fill(batch);
+        if (batch.blocks.empty()) break;
+        ++filled_;
+        workers_.Start(batch.task);
+      }
+      if (delivered_ == filled_) return read_outcome_;
+      Batch& batch = batches_[delivered_ % batches_.size()];
+      workers_.Wait(batch.task);
+      expect_history_ = batch.needed_history * 2 > batch.blocks.size();
+      bool more = true;
+      KW_RETURN_IF_ERROR(Deliver(batch, take, more));
+      if (!more) return {};
+      ++delivered_;
+    }
+  }
+
+ private:
+  // Reads as many whole blocks as have room.
+  Status Fill(Batch& batch) {
+    batch.blocks.clear();
+    batch.content_size = 0;
+    batch.first_block = blocks_read_;
+    std::copy(carry_.begin(), carry_.end(), batch.packed.begin());
+    KW_ASSIGN_OR_RETURN(const size_t got,
+                        file_.ReadAt(position_, std::span(batch.packed).subspan(carry_.size())));
+    position_ += got;
+    batch.packed_size = carry_.size() + got;
+    size_t at = 0;
+    while (blocks_read_ < folder_.blocks && batch.blocks.size() < room_) {
+      if (batch.packed_size - at < record_size_) break;
+      const std::byte* record = batch.packed.data() + at;
+      const size_t packed = GetU16(record + 4);
+      const size_t unpacked = GetU16(record + 6);
+      if (packed > kMaxCompressedBlock || unpacked > kBlockSize || unpacked == 0 ||
+          (!mszip_ && packed != unpacked)) {
+        return BlockError(blocks_read_, "has impossible sizes");
+      }
+      if (batch.packed_size - at < record_size_ + packed) break;
+      Block& block = batch.blocks.emplace_back();
+      block.record = record;
+      block.checked = {record + 4, record_size_ - 4};
+      block.data = {record + record_size_, packed};
+      block.out_offset = batch.content_size;
+      block.out_size = unpacked;
+      batch.content_size += unpacked;
+      at += record_size_ + packed;
+      ++blocks_read_;
+    }
+    carry_.assign(batch.packed.begin() + static_cast<ptrdiff_t>(at),
+                  batch.packed.begin() + static_cast<ptrdiff_t>(batch.packed_size));
+    if (batch.blocks.empty()) return BlockError(blocks_read_, "is cut off");
+    return {};
+  }
+
+  // Runs in a worker. `before` is the batch before this one, unless this is the first.
+  void Unpack(Batch& batch, Batch* before) {
+    batch.needed_history = 0;
+    for (Block& block : batch.blocks) {
+      const uint32_t told = GetU32(block.record);
+      if (told != 0 && told != Checksum(block.checked, Checksum(block.data, 0))) {
+        block.state = BlockState::kBadChecksum;
+      } else if (!mszip_) {
+        std::copy(block.data.begin(), block.data.end(), batch.OutOf(block).begin());
+        block.state = BlockState::kDone;
+      } else {
+        UnpackAlone(batch, block);
+      }
+      if (block.state == BlockState::kNeedsHistory) ++batch.needed_history;
+    }
+    // A short batch hands on bytes of the one before as history.
+    if (batch.needed_history > 0 || batch.content_size < kHistory) FetchHistory(batch, before);
+    for (Block& block : batch.blocks) {
+      if (block.state != BlockState::kNeedsHistory) continue;
+      const size_t history = batch.first_block > 0 ? kHistory : std::min(block.out_offset, kHistory);
+      const std::byte* start = batch.content.data() + kHistory + block.out_offset - history;
+      const bool good =
+          batch.with_history.Inflate(block.data.subspan(2), {start, history}, batch.OutOf(block));
+      block.state = good ? BlockState::kDone : BlockState::kBadData;
+    }
+  }
+
+  static void UnpackAlone(Batch& batch, Block& block) {
+    if (block.data.size() < 2 || block.data[0] != std::byte{'C'} || block.data[1] != std::byte{'K'}) {
+      block.state = BlockState::kBadData;
+      return;
+    }
+    block.state = BlockState::kNeedsHistory;
+    if (!batch.try_alone || batch.alone == nullptr) return;
+    const std::span<std::byte> out = batch.OutOf(block);
+    const auto result = libdeflate_deflate_decompress(batch.alone.get(), block.data.data() + 2,
+                                                      block.data.size() - 2, out.data(), out.size(), nullptr);
+    if (result == LIBDEFLATE_SUCCESS) block.state = BlockState::kDone;
+  }
+
+  void FetchHistory(Batch& batch, const Batch* before) {
+    if (batch.first_block == 0) return;
+    workers_.Wait(before->task);
+    std::copy_n(before->content.begin() + static_cast<ptrdiff_t>(before->content_size), kHistory,
+                batch.content.begin());
+  }
+
+  Status Deliver(Batch& batch, const TakeBytes& take, bool& more) {
+    size_t good = 0;
+    while (good < batch.blocks.size() && batch.blocks[good].state == BlockState::kDone) ++good;
+    const size_t size = good == batch.blocks.size() ? batch.content_size : batch.blocks[good].out_offset;
+    more = take({batch.content.data() + kHistory, size});
+    if (!more || good == batch.blocks.size()) return {};
+    return BlockError(batch.first_block + good, batch.blocks[good].state == BlockState::kBadChecksum
+                                                    ? "does not match its checksum"
+                                                    : "is damaged");
+  }
+
+  static Status BlockError(size_t block, const char* what) {
+    return {kErrorInvalidData, "data block " + std::to_string(block + 1) + " " + what + "."};
+  }
+
+  StorageFile& file_;
+  const CabinetFolder& folder_;
+  const size_t record_size_;
+  const bool mszip_;
+  uint64_t position_;
+  const size_t room_;  // blocks in a batch
+  size_t blocks_read_ = 0;
+  std::vector<std::byte> carry_;  // read already, but behind the last whole block
+  Status read_outcome_;
+  bool expect_history_ = false;
+  std::vector<Batch> batches_;
+  size_t filled_ = 0;
+  size_t delivered_ = 0;
+  Workers workers_;  // last, so that no task outlives what it works on
+};
+
+}  // namespace
+
+Status DecodeFolder(StorageFile& file, const CabinetFolder& folder, uint8_t reserved_data, unsigned threads,
+                    const TakeBytes& take) {
+  return Decoder(file, folder, reserved_data, threads == 0 ? DefaultThreads() : std::min(threads, 8u))
+      .Run(take);
+}
+
+}  // namespace kw::cabinet

@@ -1,0 +1,125 @@
+#ifndef KITWRIGHT_CABINET_TEST_SUPPORT_H_
+#define KITWRIGHT_CABINET_TEST_SUPPORT_H_
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/storage.h"
+#include "cabinet/cabinet_reader.h"
+#include "cabinet/cabinet_writer.h"
+
+namespace kw::cabinet {
+
+/// Keeps unpacked entries in memory, and the outcome of each.
+class MemorySink : public EntrySink {
+ public:
+  Status Begin(const CabinetEntry& entry) override {
+    current_ = entry.name;
+    content[current_].clear();
+    return {};
+  }
+  Status Write(std::span<const std::byte> data) override {
+    content[current_].append(reinterpret_cast<const char*>(data.data()), data.size());
+    return {};
+  }
+  Status End(const CabinetEntry& entry, const Status& outcome) override {
+    outcomes[entry.name] = outcome.number();
+    if (!outcome.ok()) content.erase(entry.name);
+    order.push_back(entry.name);
+    return {};
+  }
+
+  std::map<std::string, std::string> content;
+  std::map<std::string, int> outcomes;
+  std::vector<std::string> order;
+
+ private:
+  std::string current_;
+};
+
+/// A folder of its own for each test, and short ways to make files and cabinets in it.
+class CabinetFolderTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+    folder_ = std::filesystem::temp_directory_path() /
+              (std::string("kw_cabinet_") + info->test_suite_name() + "_" + info->name());
+    std::filesystem::remove_all(folder_);
+    std::filesystem::create_directories(folder_);
+  }
+  void TearDown() override { std::filesystem::remove_all(folder_); }
+
+  std::string Host(const std::string& name) const { return (folder_ / name).string(); }
+
+  std::string Make(const std::string& name, std::string_view content) const {
+    std::filesystem::create_directories((folder_ / name).parent_path());
+    std::ofstream(folder_ / name, std::ios::binary) << content;
+    return Host(name);
+  }
+
+  std::string Content(const std::string& name) const {
+    std::ifstream file(folder_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  bool There(const std::string& name) const {
+    return std::filesystem::exists(std::filesystem::symlink_status(folder_ / name));
+  }
+
+  size_t FilesIn(const std::string& name) const {
+    const std::filesystem::directory_iterator begin(folder_ / name);
+    return static_cast<size_t>(std::distance(begin, std::filesystem::directory_iterator()));
+  }
+
+  /// A cabinet `name` of the given entries.
+  Result<WrittenCabinet> Pack(const std::string& name,
+                              const std::vector<std::pair<std::string, std::string>>& entries,
+                              const WriterOptions& options = {}) const {
+    std::vector<CabinetFile> files;
+    for (size_t i = 0; i < entries.size(); ++i) {
+      files.push_back({Make("source_" + name + "/" + std::to_string(i), entries[i].second), entries[i].first,
+                       FileStamp{}});
+    }
+    return WriteCabinet(SystemStorage(), Host(name), files, options);
+  }
+
+  Status Unpack(const std::string& name, MemorySink& sink, unsigned threads = 2) const {
+    KW_ASSIGN_OR_RETURN(CabinetReader reader, CabinetReader::Open(SystemStorage(), Host(name), 1252));
+    return reader.Extract(sink, {}, threads);
+  }
+
+  std::filesystem::path folder_;
+};
+
+/// Bytes that do not compress, and text that does; the same each time.
+inline std::string Noise(size_t size, uint32_t seed = 1) {
+  std::string out(size, '\0');
+  for (char& c : out) {
+    seed = seed * 1664525u + 1013904223u;
+    c = static_cast<char>(seed >> 24);
+  }
+  return out;
+}
+
+inline std::string Prose(size_t size, uint32_t seed = 1) {
+  static const char* const kWords[] = {"package", "feature", "of", "the", "cabinet", "row", "and", "\r\n"};
+  std::string out;
+  while (out.size() < size) {
+    seed = seed * 1664525u + 1013904223u;
+    out.append(kWords[seed >> 29]).append(" ").append(std::to_string((seed >> 8) % 5000));
+  }
+  out.resize(size);
+  return out;
+}
+
+}  // namespace kw::cabinet
+
+#endif  // KITWRIGHT_CABINET_TEST_SUPPORT_H_
