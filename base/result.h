@@ -28,6 +28,7 @@ enum ErrorNumber : int {
   kErrorAlreadyExists = 183,
   kErrorMoreData = 234,
   kErrorNoMoreItems = 259,
+  kErrorKeyDeleted = 1018,
   kErrorIo = 1117,
   kErrorFunctionFailed = 1627,
   kErrorUnrepresentableText = 1113,

@@ -70,7 +70,8 @@ class FileSystem {
   virtual Result<std::unique_ptr<FileHandle>> Open(const std::string& path, OpenHow how) = 0;
   /// A file's whole content.
   virtual Result<std::string> ReadFile(const std::string& path) = 0;
-  /// Creates or replaces a file with these bytes. Fails on a read-only file.
+  /// Creates or replaces a file with these bytes. Fails on a read-only file. After a failure (a full disk) the
+  /// old content is there, or no file where there was none.
   virtual Status WriteFile(const std::string& path, std::string_view bytes) = 0;
 
   /// The current folder of the process, with its drive; "C:\" at a root. Children inherit it.

@@ -53,6 +53,7 @@ enum RegistryAccess : uint32_t {
 };
 
 /// An open key; closes in the destructor. Names compare without regard to case and keep their first spelling.
+/// A key may be deleted while it is open; every call then gives kErrorKeyDeleted.
 class RegistryKey {
  public:
   virtual ~RegistryKey() = default;
@@ -87,7 +88,13 @@ class Registry {
   /// Opens a key, making it and its missing parents.
   virtual Result<std::unique_ptr<RegistryKey>> CreateKey(Hive hive, std::string_view path,
                                                          uint32_t access) = 0;
+  /// Deletes one key with its values. kErrorFileNotFound when there is none, kErrorAccessDenied when it has
+  /// subkeys or is a root.
+  virtual Status DeleteKey(Hive hive, std::string_view path) = 0;
 };
+
+/// A buffer size for callers that want names and data of any length.
+inline constexpr uint32_t kAnyRegistrySize = 0xFFFFFFFF;
 
 }  // namespace kw::platform
 

@@ -8,6 +8,8 @@ FakeMachine::FakeMachine() {
   files.SetCurrentFolder(system.program_folder).IgnoreError();
   files.log.clear();
   services.files = &files;
+  services.registry = &registry;
+  services.profiles = &profiles;
   services.processes = &recorded_processes;
   services.system = &system;
   services.dialogs = &dialogs;

@@ -3,11 +3,13 @@
 
 #include "base/transcript.h"
 #include "platform/services.h"
+#include "platform/shared/ini_profile_files.h"
 #include "platform/shared/recording.h"
 #include "platform/testing/fake_closed_libraries.h"
 #include "platform/testing/fake_dialogs.h"
 #include "platform/testing/fake_file_system.h"
 #include "platform/testing/fake_processes.h"
+#include "platform/testing/fake_registry.h"
 #include "platform/testing/fake_system.h"
 
 namespace kw::platform::testing {
@@ -32,6 +34,8 @@ struct FakeMachine {
   FakeDialogs dialogs{transcript};
   FakeProcesses processes{files};
   FakeSystem system;
+  FakeRegistry registry;
+  IniProfileFiles profiles{files, system};
   FakeClosedLibraries libraries{files};
   RecordingProcesses recorded_processes{processes, transcript};
   RecordingClosedLibraries recorded_libraries{libraries, transcript};

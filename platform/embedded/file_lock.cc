@@ -1,0 +1,45 @@
+#include "platform/embedded/file_lock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace kw::platform::embedded {
+
+FileLock::FileLock(std::string path) : path_(std::move(path)) {}
+
+FileLock::~FileLock() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+Status FileLock::Acquire(Mode mode) {
+  if (fd_ < 0) fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  int result = -1;
+  while (fd_ >= 0 && result != 0) {
+    result = ::flock(fd_, mode == Mode::kShared ? LOCK_SH : LOCK_EX);
+    if (result != 0 && errno != EINTR) break;
+  }
+  if (result != 0) return {kErrorAccessDenied, "Could not lock " + path_ + ": " + std::strerror(errno) + "."};
+  return {};
+}
+
+void FileLock::Release() { ::flock(fd_, LOCK_UN); }
+
+FileIdentity FileIdentity::Of(const std::string& path) {
+  FileIdentity identity;
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) return identity;
+  identity.exists = true;
+  identity.device = info.st_dev;
+  identity.number = info.st_ino;
+  identity.size = info.st_size;
+  identity.changed = int64_t{info.st_mtim.tv_sec} * 1'000'000'000 + info.st_mtim.tv_nsec;
+  return identity;
+}
+
+}  // namespace kw::platform::embedded

@@ -1,0 +1,48 @@
+#ifndef KITWRIGHT_PLATFORM_EMBEDDED_FILE_LOCK_H_
+#define KITWRIGHT_PLATFORM_EMBEDDED_FILE_LOCK_H_
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <string>
+
+#include "base/result.h"
+
+namespace kw::platform::embedded {
+
+/// A lock between processes, and between two of these in one process, by the name of a host file. The system
+/// frees it when its holder dies.
+class FileLock {
+ public:
+  enum class Mode { kShared, kExclusive };
+
+  /// `path` is the host file that stands for the lock; Acquire makes it when it is missing.
+  explicit FileLock(std::string path);
+  ~FileLock();
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+
+  /// Waits for the lock. Not to be nested.
+  Status Acquire(Mode mode);
+  void Release();
+
+ private:
+  std::string path_;
+  int fd_ = -1;
+};
+
+/// Tells whether a host file is still the one that was seen before.
+struct FileIdentity {
+  bool exists = false;
+  dev_t device = 0;
+  ino_t number = 0;
+  int64_t size = 0;
+  int64_t changed = 0;  ///< nanoseconds
+  bool operator==(const FileIdentity&) const = default;
+
+  static FileIdentity Of(const std::string& path);
+};
+
+}  // namespace kw::platform::embedded
+
+#endif  // KITWRIGHT_PLATFORM_EMBEDDED_FILE_LOCK_H_

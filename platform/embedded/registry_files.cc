@@ -1,0 +1,237 @@
+#include "platform/embedded/registry_files.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "base/text.h"
+
+namespace kw::platform::embedded {
+namespace {
+
+// ";journal <8 digits: length> <16 digits: checksum>" CR LF.
+constexpr std::string_view kRecordMark = ";journal ";
+constexpr size_t kRecordHead = kRecordMark.size() + 8 + 1 + 16 + 2;
+// A journal longer than this, and longer than its file, is folded in.
+constexpr uint64_t kLongJournal = 1 << 20;
+
+uint64_t Checksum(std::string_view bytes) {
+  uint64_t hash = 14695981039346656037u;  // FNV-1a
+  for (const char c : bytes) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
+  return hash;
+}
+
+std::string Hex(uint64_t number, size_t digits) {
+  char buffer[16];
+  const auto end = std::to_chars(buffer, buffer + sizeof buffer, number, 16).ptr;
+  const std::string text(buffer, end);
+  return std::string(digits - text.size(), '0') + text;
+}
+
+std::optional<uint64_t> FromHex(std::string_view text) {
+  uint64_t number = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number, 16);
+  if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+std::string MakeRecord(const formats::RegFile& change) {
+  formats::RegFileWriter writer;
+  for (const formats::RegFileKey& key : change.keys) {
+    if (key.deleted) {
+      writer.AddKeyDeletion(key.path);
+      continue;
+    }
+    writer.AddKey(key.path);
+    for (const formats::RegFileValue& value : key.values) {
+      if (value.deleted) {
+        writer.AddValueDeletion(value.name);
+      } else {
+        writer.AddValue(value.name, value.type, value.data);
+      }
+    }
+  }
+  const std::string& lines = writer.lines();
+  std::string record(kRecordMark);
+  record.append(Hex(lines.size(), 8)).append(" ").append(Hex(Checksum(lines), 16)).append("\r\n");
+  return record + lines;
+}
+
+// The lines of the record at the start of `journal`; nothing when it is not whole.
+std::optional<std::string_view> FirstRecord(std::string_view journal) {
+  if (journal.size() < kRecordHead || !journal.starts_with(kRecordMark)) return std::nullopt;
+  const auto length = FromHex(journal.substr(kRecordMark.size(), 8));
+  const auto checksum = FromHex(journal.substr(kRecordMark.size() + 9, 16));
+  if (!length || !checksum || journal.size() - kRecordHead < *length) return std::nullopt;
+  const std::string_view lines = journal.substr(kRecordHead, static_cast<size_t>(*length));
+  if (Checksum(lines) != *checksum) return std::nullopt;
+  return lines;
+}
+
+class Locked {
+ public:
+  Locked(FileLock& lock, FileLock::Mode mode) : lock_(lock), status_(lock.Acquire(mode)) {}
+  ~Locked() {
+    if (status_.ok()) lock_.Release();
+  }
+  Locked(const Locked&) = delete;
+  Locked& operator=(const Locked&) = delete;
+  const Status& status() const { return status_; }
+
+ private:
+  FileLock& lock_;
+  Status status_;
+};
+
+}  // namespace
+
+RegistryFiles::RegistryFiles(std::string folder, int code_page, Storage& storage)
+    : folder_(std::move(folder)), code_page_(code_page), storage_(storage), lock_(folder_ + "/.lock") {
+  for (const Hive hive : {Hive::kCurrentUser, Hive::kLocalMachine}) {
+    const std::string stem = folder_ + "/" + std::string(HiveName(hive));
+    State(hive).file = stem + ".reg";
+    State(hive).journal = stem + ".journal";
+  }
+}
+
+RegistryFiles::~RegistryFiles() { Flush().IgnoreError(); }
+
+// The file is looked at before the journal: a fold replaces the file first.
+bool RegistryFiles::IsPresent(const HiveState& state) {
+  return state.loaded && FileIdentity::Of(state.file) == state.file_seen &&
+         FileIdentity::Of(state.journal) == state.journal_seen;
+}
+
+Result<const RegistryTree*> RegistryFiles::Read(Hive hive) {
+  HiveState& state = State(hive);
+  if (IsPresent(state)) return &state.tree;
+  std::error_code error;
+  if (std::filesystem::is_directory(folder_, error)) {
+    const Locked locked(lock_, FileLock::Mode::kShared);
+    KW_RETURN_IF_ERROR(locked.status());
+    KW_RETURN_IF_ERROR(Refresh(hive));
+  } else {
+    state.tree = RegistryTree();
+  }
+  return &state.tree;
+}
+
+Status RegistryFiles::Change(Hive hive, const Decide& decide) {
+  std::error_code error;
+  std::filesystem::create_directories(folder_, error);
+  if (error) return {kErrorAccessDenied, "Could not make " + folder_ + ": " + error.message() + "."};
+  const Locked locked(lock_, FileLock::Mode::kExclusive);
+  KW_RETURN_IF_ERROR(locked.status());
+  KW_RETURN_IF_ERROR(Refresh(hive));
+  HiveState& state = State(hive);
+  KW_ASSIGN_OR_RETURN(const formats::RegFile change, decide(state.tree));
+  if (change.keys.empty()) return {};
+  KW_RETURN_IF_ERROR(Append(state, MakeRecord(change)));
+  for (const formats::RegFileKey& key : change.keys) state.tree.Apply(key);
+  if (state.journal_end > kLongJournal && state.journal_end > static_cast<uint64_t>(state.file_seen.size)) {
+    Fold(hive).IgnoreError();  // the change is safe in the journal
+  }
+  return {};
+}
+
+Status RegistryFiles::Refresh(Hive hive) {
+  HiveState& state = State(hive);
+  const FileIdentity file = FileIdentity::Of(state.file);
+  const FileIdentity journal = FileIdentity::Of(state.journal);
+  const bool continues = state.loaded && file == state.file_seen && journal.exists &&
+                         journal.size >= static_cast<int64_t>(state.journal_end) &&
+                         (!state.journal_seen.exists || (journal.number == state.journal_seen.number &&
+                                                         journal.device == state.journal_seen.device));
+  if (continues && journal == state.journal_seen) return {};
+  state.loaded = false;
+  if (!continues) {
+    state.journal_end = 0;
+    KW_RETURN_IF_ERROR(LoadFile(hive));
+  }
+  state.file_seen = file;
+  state.journal_seen = journal;
+  if (journal.exists) KW_RETURN_IF_ERROR(ReplayJournal(state));
+  state.loaded = true;
+  return {};
+}
+
+Status RegistryFiles::LoadFile(Hive hive) {
+  HiveState& state = State(hive);
+  state.tree = RegistryTree();
+  if (!storage_.Exists(state.file)) return {};
+  KW_ASSIGN_OR_RETURN(const std::string bytes, ReadWholeFile(storage_, state.file));
+  auto parsed = formats::ParseRegFile(bytes, code_page_);
+  if (!parsed.ok()) {
+    return {parsed.error().number, "The registry file " + state.file + " is no registry-editor file."};
+  }
+  const std::string_view root = HiveName(hive);
+  for (formats::RegFileKey& key : parsed->keys) {
+    if (!StartsWithNoCase(key.path, root)) continue;
+    if (key.path.size() > root.size() && key.path[root.size()] != '\\') continue;
+    key.path.erase(0, root.size());
+    state.tree.Apply(key);
+  }
+  return {};
+}
+
+Status RegistryFiles::ReplayJournal(HiveState& state) {
+  KW_ASSIGN_OR_RETURN(const auto file, storage_.Open(state.journal, Storage::Mode::kRead));
+  const auto size = static_cast<uint64_t>(state.journal_seen.size);
+  std::string content(static_cast<size_t>(size - std::min(size, state.journal_end)), '\0');
+  KW_ASSIGN_OR_RETURN(const size_t got,
+                      file->ReadAt(state.journal_end, std::as_writable_bytes(std::span(content))));
+  std::string_view rest = std::string_view(content).substr(0, got);
+  while (const auto lines = FirstRecord(rest)) {
+    const formats::RegFile change = formats::ParseRegLines(*lines);
+    for (const formats::RegFileKey& key : change.keys) state.tree.Apply(key);
+    rest.remove_prefix(kRecordHead + lines->size());
+    state.journal_end += kRecordHead + lines->size();
+  }
+  return {};
+}
+
+Status RegistryFiles::Append(HiveState& state, std::string_view record) {
+  const auto mode = state.journal_seen.exists ? Storage::Mode::kReadWrite : Storage::Mode::kCreateAlways;
+  KW_ASSIGN_OR_RETURN(const auto file, storage_.Open(state.journal, mode));
+  // A record that a kill cut off must not stand between whole ones.
+  if (state.journal_seen.size > static_cast<int64_t>(state.journal_end)) {
+    KW_RETURN_IF_ERROR(file->Truncate(state.journal_end));
+  }
+  const Status written = file->WriteAt(state.journal_end, std::as_bytes(std::span(record)));
+  if (written.ok()) {
+    state.journal_end += record.size();
+  } else {
+    file->Truncate(state.journal_end).IgnoreError();  // else the checksum tells
+  }
+  state.journal_seen = FileIdentity::Of(state.journal);
+  return written;
+}
+
+Status RegistryFiles::Fold(Hive hive) {
+  HiveState& state = State(hive);
+  formats::RegFileWriter writer;
+  RegistryTree::Write(state.tree.root(), std::string(HiveName(hive)), writer);
+  KW_RETURN_IF_ERROR(WriteFileAtomically(storage_, state.file, writer.File()));
+  state.file_seen = FileIdentity::Of(state.file);
+  KW_RETURN_IF_ERROR(storage_.Remove(state.journal));
+  state.journal_seen = FileIdentity::Of(state.journal);
+  state.journal_end = 0;
+  return {};
+}
+
+Status RegistryFiles::Flush() {
+  Status result;
+  for (const Hive hive : {Hive::kCurrentUser, Hive::kLocalMachine}) {
+    if (!FileIdentity::Of(State(hive).journal).exists) continue;
+    const Locked locked(lock_, FileLock::Mode::kExclusive);
+    Status status = locked.status();
+    if (status.ok()) status = Refresh(hive);
+    if (status.ok() && State(hive).journal_seen.exists) status = Fold(hive);
+    if (!status.ok()) result = status;
+  }
+  return result;
+}
+
+}  // namespace kw::platform::embedded
