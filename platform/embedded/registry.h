@@ -23,6 +23,19 @@ class EmbeddedRegistry : public StoredRegistry {
   /// Leaves both hives as plain registry-editor files.
   Status Flush() { return files_->Flush(); }
 
+  /// Makes all changes of a registry-editor file to one hive at once. Paths are below the hive's root.
+  Status Apply(Hive hive, const formats::RegFile& changes) {
+    return files_->Change(hive, [&](const RegistryTree&) -> Result<formats::RegFile> { return changes; });
+  }
+  /// Adds a key, under the name `shown`, and all below it to a registry-editor file.
+  Status Export(Hive hive, std::string_view path, const std::string& shown, formats::RegFileWriter& writer) {
+    KW_ASSIGN_OR_RETURN(const RegistryTree* const tree, files_->Read(hive));
+    const RegistryTree::Key* const key = tree->Find(path);
+    if (key == nullptr) return {kErrorFileNotFound, "There is no registry key " + shown + "."};
+    RegistryTree::Write(*key, shown, writer);
+    return {};
+  }
+
  private:
   EmbeddedRegistry(std::shared_ptr<RegistryFiles> files, int code_page)
       : StoredRegistry(files, code_page), files_(std::move(files)) {}
