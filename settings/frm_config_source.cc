@@ -48,6 +48,17 @@ ui::Layout frmConfigSource::PageLayout() {
                 1);
 }
 
+void frmConfigSource::AddChoices(ui::ListBox& list) {
+  if (SettingsFromFile.Value()) {
+    list.Add("\tRead settings from: a configuration file (" + SettingsFromFilePath.Text() + ")");
+  } else if (SettingsFromSystem.Value()) {
+    list.Add("\tRead settings from: existing Kestrane Enterprise settings on local system");
+  } else {
+    list.Add("\tNo Kestrane Enterprise settings");
+  }
+  list.Add("");
+}
+
 void frmConfigSource::LoadPage() {
   SettingsFromFilePath.EnableWithColor(false);
   SettingsFromFileBrowse.SetEnabled(false);
@@ -162,9 +173,9 @@ void frmConfigSource::LeavePage(const std::string& name) {
   if (!(SettingsFromFile.Value() ? TakeFile() : TakeSystemOrNothing())) return;
   EnablePages();
   for (const char* page : {"frmRegistrySettings", "frmCommonUpdater"}) {
-    static_cast<WizardPage&>(navigator_.FormByName(page)).ReadConfig();
+    navigator_.Page(page).ReadConfig();
   }
-  if (!run_.PackageMode) static_cast<WizardPage&>(navigator_.FormByName("frmInstallBWK")).ReadConfig();
+  if (!run_.PackageMode) navigator_.Page("frmInstallBWK").ReadConfig();
   navigator_.GoToPage(name);
 }
 

@@ -10,7 +10,16 @@
 #include "pages/frm_install_options.h"
 #include "pages/frm_post_install_options.h"
 #include "pages/frm_programs.h"
+#include "pages/frm_registry_settings.h"
 #include "pages/frm_source_and_destination.h"
+#include "pages/frm_zed_password.h"
+#include "settings/frm_add_task.h"
+#include "settings/frm_auto_update.h"
+#include "settings/frm_config_source.h"
+#include "settings/frm_destination.h"
+#include "settings/frm_scheduled_scan.h"
+#include "settings/frm_type.h"
+#include "settings/scanner_pages.h"
 #include "shell/frm_finish.h"
 #include "shell/frm_review_configuration.h"
 #include "shell/frm_welcome.h"
@@ -46,22 +55,23 @@ FormFactories AllFormFactories() {
       Of<frmAdditionalFiles>(),
       Of<frmAdditionalFile>(),
       Of<frmPostInstallOptions>(),
+      Of<frmConfigSource>(),
+      Of<frmType>(),
+      Of<frmDestination>(),
+      Of<frmOnAccessMonitor>(),
+      Of<frmEmailScan>(),
+      Of<frmScheduledScan>(),
+      Of<frmAutoUpdate>(),
+      Of<frmBeaconryClient>(),
+      Of<frmUIOptions>(),
+      Of<frmRegistrySettings>(),
+      Of<frmZEDPassword>(),
+      Of<frmAddTask>(),
       Of<frmReviewConfiguration>(),
       Of<frmFinish>(),
-      Later("frmConfigSource", "Source for Configuration", 1003),
-      Later("frmType", "Type", 1004),
-      Later("frmDestination", "Destination", 1005),
-      Later("frmOnAccessMonitor", "On-Access Scanner", 1006),
-      Later("frmEmailScan", "On-Delivery Scanner", 1007),
-      Later("frmScheduledScan", "Scheduled Scans", 1008),
-      Later("frmAutoUpdate", "AutoUpdate Schedule", 1010),
-      Later("frmBeaconryClient", "Beaconry Properties", 1011),
-      Later("frmUIOptions", "User Interface Properties", 1012),
       Later("frmBeaconryServer", "Beaconry Installation", 1015),
-      Later("frmRegistrySettings", "Registry Settings", 1017),
       Later("frmPatchFiles", "Patch Files", 1018),
       Later("frmDATsAndEngine", "DAT and Engine Files", 1019),
-      Later("frmZEDPassword", "Kitwright Password", 1021),
       Later("frmCommonUpdater", "AutoUpdate Configuration", 1022),
       Later("frmInstallBWK", "Tamrix Bulwark", 1035),
   };
