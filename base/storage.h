@@ -46,6 +46,8 @@ class Storage {
   /// Removes a file; a missing one is kErrorFileNotFound.
   virtual Status Remove(const std::string& path) = 0;
   virtual bool Exists(const std::string& path) = 0;
+  /// Makes a folder; one that exists already is no error. The folder above must exist.
+  virtual Status CreateFolder(const std::string& path) = 0;
 };
 
 /// The real files of this system. One instance a process, owned by the library.

@@ -118,6 +118,15 @@ class PosixStorage : public Storage {
     struct stat info {};
     return ::stat(path.c_str(), &info) == 0;
   }
+
+  Status CreateFolder(const std::string& path) override {
+    struct stat info {};
+    if (::mkdir(path.c_str(), 0777) == 0) return {};
+    const int error = errno;
+    if (error == EEXIST && ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return {};
+    errno = error;
+    return Failure("make the folder", path);
+  }
 };
 
 }  // namespace

@@ -116,6 +116,18 @@ class Win32Storage : public Storage {
   bool Exists(const std::string& path) override {
     return GetFileAttributesW(Wide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
   }
+
+  Status CreateFolder(const std::string& path) override {
+    if (CreateDirectoryW(Wide(path).c_str(), nullptr)) return {};
+    const DWORD error = GetLastError();
+    const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
+    if (error == ERROR_ALREADY_EXISTS && attributes != INVALID_FILE_ATTRIBUTES &&
+        (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+      return {};
+    }
+    SetLastError(error);
+    return Failure("make the folder", path);
+  }
 };
 
 }  // namespace

@@ -96,4 +96,8 @@ Status FakeHostFiles::Remove(const std::string& path) {
 
 bool FakeHostFiles::Exists(const std::string& path) { return files_.Find(path).node != nullptr; }
 
+Status FakeHostFiles::CreateFolder(const std::string& path) {
+  return files_.FolderExists(path) ? Status() : files_.CreateFolder(path);
+}
+
 }  // namespace kw::platform::testing

@@ -19,6 +19,7 @@ class FakeHostFiles : public Storage {
   Status Rename(const std::string& from, const std::string& to) override;
   Status Remove(const std::string& path) override;
   bool Exists(const std::string& path) override;
+  Status CreateFolder(const std::string& path) override;
 
  private:
   FakeFileSystem& files_;

@@ -1,0 +1,221 @@
+#include "msi/executor.h"
+
+#include <algorithm>
+
+namespace kw::msi {
+namespace {
+
+constexpr int32_t kMaxShort = 32767;
+
+std::string Where(const Table& table, const Column& column) {
+  return "the column " + column.name + " of the table " + table.name();
+}
+
+// Texts that were brought into the pool for a change, and are forgotten again if nothing came to use them.
+class Interned {
+ public:
+  explicit Interned(Core& core) : core_(core) {}
+  ~Interned() {
+    for (const StringPool::Id id : ids_) core_.pool().DropIfUnused(id);
+  }
+  Interned(const Interned&) = delete;
+  Interned& operator=(const Interned&) = delete;
+  Result<Cell> Add(std::string_view text) {
+    KW_ASSIGN_OR_RETURN(const StringPool::Id id, core_.pool().Intern(text));
+    ids_.push_back(id);
+    return id;
+  }
+
+ private:
+  Core& core_;
+  std::vector<StringPool::Id> ids_;
+};
+
+// The cell for a value; of a stream only whether there is one.
+Result<Cell> CellFor(const Table& table, const Column& column, const Value& value, Interned& interned) {
+  const bool is_stream = value.kind == Value::Kind::kStream;
+  if (value.IsNull()) {
+    if (column.is_nullable()) return kNullCell;
+    return {kErrorFunctionFailed, "A value is missing for " + Where(table, column) + "."};
+  }
+  if (column.is_stream() != is_stream) {
+    return {kErrorFunctionFailed, std::string(is_stream ? "A stream" : "A plain value") +
+                                      " does not fit into " + Where(table, column) + "."};
+  }
+  if (is_stream) return Cell{1};
+  if (column.is_text()) {
+    return interned.Add(value.kind == Value::Kind::kInteger ? std::to_string(value.integer) : value.text);
+  }
+  int32_t number = value.integer;
+  if (value.kind == Value::Kind::kText && !ParseInteger(value.text, &number)) {
+    return {kErrorFunctionFailed, "\"" + value.text + "\" is no number for " + Where(table, column) + "."};
+  }
+  if (number == kNullInteger || (column.is_short() && (number > kMaxShort || number < -kMaxShort))) {
+    return {kErrorFunctionFailed,
+            std::to_string(number) + " is out of the range of " + Where(table, column) + "."};
+  }
+  return CellOfInteger(number);
+}
+
+Result<std::shared_ptr<CfStream>> CopyStream(Core& core, StreamField& field) {
+  KW_ASSIGN_OR_RETURN(const uint64_t size, field.Size());
+  uint64_t at = 0;
+  return core.file().Write(size, [&](std::span<std::byte> buffer) -> Result<size_t> {
+    KW_ASSIGN_OR_RETURN(const size_t got, field.ReadAt(at, buffer));
+    at += got;
+    return got;
+  });
+}
+
+Status CheckTable(Core& core, const Table& table, bool temporary) {
+  if (table.system || (table.storages && !temporary)) {
+    return {kErrorFunctionFailed, "The table " + table.name() + " cannot be changed by a statement."};
+  }
+  return temporary && !table.streams ? Status() : core.CheckWritable();
+}
+
+bool SameStream(Core& core, const Table& table, Table::Row row, int column, const Value& value) {
+  return value.kind == Value::Kind::kStream && value.stream->stream() != nullptr &&
+         value.stream->stream() == core.StreamOf(table, row, column).get();
+}
+
+struct Change {
+  int column = 0;
+  Cell cell = kNullCell;
+  const Value* value = nullptr;
+};
+
+Result<std::vector<Change>> PrepareUpdate(Core& core, Table& table, const std::vector<Assignment>& values,
+                                          const std::vector<Table::Row>& rows, Interned& interned) {
+  bool all_temporary = true;
+  std::vector<Change> changes;
+  changes.reserve(values.size());
+  for (const Assignment& assignment : values) {
+    const Column& column = table.columns()[static_cast<size_t>(assignment.column)];
+    KW_ASSIGN_OR_RETURN(const Cell cell, CellFor(table, column, assignment.value, interned));
+    if (column.is_key()) {
+      for (const Table::Row row : rows) {
+        if (table.Get(row, assignment.column) == cell) continue;
+        return {kErrorFunctionFailed, "The key of a row cannot be changed: " + Where(table, column) + "."};
+      }
+      continue;
+    }
+    all_temporary = all_temporary && (table.temporary || column.is_temporary());
+    changes.push_back({assignment.column, cell, &assignment.value});
+  }
+  if (!changes.empty()) KW_RETURN_IF_ERROR(CheckTable(core, table, all_temporary));
+  return changes;
+}
+
+}  // namespace
+
+Status InsertInto(Core& core, Table& table, const std::vector<Assignment>& values, bool temporary) {
+  core.Prepare();
+  KW_RETURN_IF_ERROR(CheckTable(core, table, temporary || table.temporary));
+  Interned interned(core);
+  std::vector<const Value*> by_column(table.columns().size(), nullptr);
+  for (const Assignment& assignment : values)
+    by_column[static_cast<size_t>(assignment.column)] = &assignment.value;
+  std::vector<Cell> cells(by_column.size());
+  const Value null;
+  for (size_t i = 0; i < cells.size(); ++i) {
+    KW_ASSIGN_OR_RETURN(cells[i],
+                        CellFor(table, table.columns()[i], by_column[i] ? *by_column[i] : null, interned));
+  }
+  std::vector<Cell> key;
+  for (const int column : table.key_columns()) key.push_back(cells[static_cast<size_t>(column)]);
+  if (!key.empty() && table.FindKey(key) != Table::kNoRow) {
+    return {kErrorFunctionFailed, "The table " + table.name() + " has a row with this key already."};
+  }
+  std::map<int, std::shared_ptr<CfStream>> streams;
+  Status status;
+  for (size_t i = 0; i < cells.size() && status.ok(); ++i) {
+    if (!table.columns()[i].is_stream() || cells[i] == kNullCell) continue;
+    status = core.StreamName(table, cells).status();
+    if (!status.ok()) break;
+    Result<std::shared_ptr<CfStream>> stream = CopyStream(core, *by_column[i]->stream);
+    status = stream.status();
+    if (stream.ok()) streams[static_cast<int>(i)] = *std::move(stream);
+  }
+  if (!status.ok()) {
+    for (auto& [column, stream] : streams) core.file().Discard(std::move(stream));
+    return status;
+  }
+  return core.InsertRow(table, cells, std::move(streams), temporary);
+}
+
+Status UpdateRows(Core& core, Table& table, const std::vector<Assignment>& values,
+                  const std::vector<Table::Row>& rows) {
+  core.Prepare();
+  Interned interned(core);
+  KW_ASSIGN_OR_RETURN(const std::vector<Change> changes, PrepareUpdate(core, table, values, rows, interned));
+  // New streams are brought in first: that may fail.
+  struct NewStream {
+    Table::Row row;
+    int column;
+    std::shared_ptr<CfStream> stream;
+  };
+  std::vector<NewStream> streams;
+  for (const Change& change : changes) {
+    if (!table.columns()[static_cast<size_t>(change.column)].is_stream() || change.cell == kNullCell)
+      continue;
+    for (const Table::Row row : rows) {
+      if (SameStream(core, table, row, change.column, *change.value)) continue;
+      Result<std::shared_ptr<CfStream>> stream = CopyStream(core, *change.value->stream);
+      if (!stream.ok()) {
+        for (NewStream& made : streams) core.file().Discard(std::move(made.stream));
+        return stream.status();
+      }
+      streams.push_back({row, change.column, *std::move(stream)});
+    }
+  }
+  for (const Change& change : changes) {
+    const bool is_stream = table.columns()[static_cast<size_t>(change.column)].is_stream();
+    for (const Table::Row row : rows) {
+      if (!is_stream) {
+        core.SetCell(table, row, change.column, change.cell);
+      } else if (change.cell == kNullCell && table.Get(row, change.column) != kNullCell) {
+        core.SetStream(table, row, change.column, nullptr);
+      }
+    }
+  }
+  for (NewStream& made : streams) core.SetStream(table, made.row, made.column, std::move(made.stream));
+  return {};
+}
+
+Status CheckUpdate(Core& core, Table& table, const std::vector<Assignment>& values, Table::Row row) {
+  core.Prepare();
+  Interned interned(core);
+  return PrepareUpdate(core, table, values, {row}, interned).status();
+}
+
+Table::Row FindByKey(Core& core, Table& table, const std::vector<Assignment>& values) {
+  core.Prepare();
+  Interned interned(core);
+  std::vector<Cell> key;
+  for (const int column : table.key_columns()) {
+    const auto found = std::find_if(values.begin(), values.end(), [&](const Assignment& assignment) {
+      return assignment.column == column;
+    });
+    if (found == values.end()) return Table::kNoRow;
+    const Result<Cell> cell =
+        CellFor(table, table.columns()[static_cast<size_t>(column)], found->value, interned);
+    if (!cell.ok()) return Table::kNoRow;
+    key.push_back(*cell);
+  }
+  return table.FindKey(key);
+}
+
+Status DeleteRows(Core& core, Table& table, const std::vector<Table::Row>& rows) {
+  core.Prepare();
+  if (rows.empty()) return {};
+  const bool all_temporary = !table.storages && std::all_of(rows.begin(), rows.end(), [&](Table::Row row) {
+    return table.temporary || table.TemporaryRow(row);
+  });
+  if (table.system) return CheckTable(core, table, false);
+  if (!all_temporary || table.streams) KW_RETURN_IF_ERROR(core.CheckWritable());
+  for (const Table::Row row : rows) core.DeleteRow(table, row);
+  return {};
+}
+
+}  // namespace kw::msi

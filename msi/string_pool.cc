@@ -1,0 +1,283 @@
+#include "msi/string_pool.h"
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+
+#include "base/text.h"
+#include "msi/bytes.h"
+
+namespace kw::msi {
+namespace {
+
+constexpr uint32_t kLongReferences = 0x80000000;
+constexpr StringPool::Id kGone = 0xFFFFFFFF;
+constexpr size_t kMaxShortLength = 0xFFFF;
+constexpr size_t kMaxIds = 0xFFFFFF;
+// The neutral code page is shown as Western European, which is what such files hold in practice; new text in
+// a neutral database must be ASCII.
+constexpr int kShownForNeutral = 1252;
+
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+Error Damaged(const char* what) {
+  return Error{kErrorInstallPackageInvalid,
+               std::string("The texts of the database are damaged: ") + what + "."};
+}
+
+}  // namespace
+
+uint32_t StringPool::Hash(std::string_view text) {
+  const size_t hash = std::hash<std::string_view>()(text);
+  return static_cast<uint32_t>(hash ^ (hash >> 32));
+}
+
+void StringPool::SetUses(const std::vector<uint32_t>& uses) {
+  for (size_t id = 1; id < entries_.size(); ++id) entries_[id].uses = uses[id];
+}
+
+Status StringPool::Load(std::string_view pool, std::string data) {
+  entries_.assign(1, Entry{});
+  data_ = std::move(data);
+  if (pool.empty()) return {};
+  if (pool.size() < 4) return Damaged("the list is cut short");
+  const uint32_t head = GetU32(pool.data());
+  reference_bytes_ = (head & kLongReferences) != 0 ? 3 : 2;
+  code_page_ = static_cast<int>(head & ~kLongReferences);
+  const size_t count = pool.size() / 4;
+  if (count > kMaxIds) return Damaged("the list is too long");
+  entries_.reserve(count);
+  const bool ascii = code_page_ == 65001 || IsAscii(data_);
+  size_t at = 0;
+  for (size_t i = 1; i < count; ++i) {
+    const char* slot = pool.data() + 4 * i;
+    size_t length = GetU16(slot);
+    Entry& entry = entries_.emplace_back();
+    entry.uses = GetU16(slot + 2);
+    if (length == 0 && entry.uses != 0) {
+      // A long text: this slot holds the upper half of its length, the next one the rest and the uses. The
+      // text has the number of the first of the two.
+      if (i + 1 >= count) return Damaged("a long text is cut short");
+      length = (static_cast<size_t>(entry.uses) << 16) + GetU16(slot + 4);
+      entry.uses = GetU16(slot + 6);
+      ++i;
+    } else if (length == 0) {
+      free_ids_.push_back(static_cast<Id>(entries_.size() - 1));
+      continue;
+    }
+    if (length > data_.size() - at) return Damaged("a text is cut short");
+    entry.raw = std::string_view(data_).substr(at, length);
+    entry.present = true;
+    at += length;
+    const bool as_is =
+        code_page_ == 65001 ? IsAscii(entry.raw) || IsValidUtf8(entry.raw) : ascii || IsAscii(entry.raw);
+    entry.text =
+        as_is ? entry.raw
+              : Keep(CodePageToUtf8(entry.raw, code_page_ == 0 ? kShownForNeutral : code_page_), entry);
+  }
+  std::reverse(free_ids_.begin(), free_ids_.end());
+  return {};
+}
+
+std::string_view StringPool::Keep(std::string text, Entry& entry) {
+  entry.own = true;
+  if (own_free_.empty()) {
+    entry.own_slot = static_cast<uint32_t>(own_.size());
+    own_.push_back(std::move(text));
+  } else {
+    entry.own_slot = own_free_.back();
+    own_free_.pop_back();
+    own_[entry.own_slot] = std::move(text);
+  }
+  return own_[entry.own_slot];
+}
+
+void StringPool::Save(std::string* pool, std::string* data) const {
+  pool->clear();
+  data->clear();
+  pool->reserve(entries_.size() * 4);
+  data->reserve(data_.size());
+  AppendU32(*pool, static_cast<uint32_t>(code_page_) | (reference_bytes_ == 3 ? kLongReferences : 0));
+  for (size_t id = 1; id < entries_.size(); ++id) {
+    const Entry& entry = entries_[id];
+    if (!entry.present || entry.uses == 0) {
+      AppendU32(*pool, 0);
+      continue;
+    }
+    std::string converted;
+    std::string_view bytes = entry.raw;
+    if (bytes.data() == nullptr) {
+      bytes = entry.text;
+      if (code_page_ != 65001 && !IsAscii(bytes)) {
+        // Every text was tried when it came in, so that this cannot fail.
+        converted = Utf8ToCodePage(bytes, code_page_).value_or("");
+        bytes = converted;
+      }
+    }
+    if (bytes.size() > kMaxShortLength) {
+      AppendU16(*pool, 0);
+      AppendU16(*pool, static_cast<uint16_t>(bytes.size() >> 16));
+    }
+    AppendU16(*pool, static_cast<uint16_t>(bytes.size()));
+    AppendU16(*pool, static_cast<uint16_t>(std::min<uint32_t>(entry.uses, 0xFFFF)));
+    data->append(bytes);
+  }
+}
+
+Status StringPool::CheckRepresentable(std::string_view text) const {
+  if (IsAscii(text)) return {};
+  if (!IsValidUtf8(text)) return {kErrorUnrepresentableText, "A text is not well-formed UTF-8."};
+  if (code_page_ == 65001) return {};
+  return Utf8ToCodePage(text, code_page_).status();
+}
+
+Status StringPool::SetCodePage(int code_page) {
+  if (code_page == code_page_) return {};
+  if (code_page != 0 && !CodePageIsKnown(code_page)) {
+    return {kErrorUnsupported, "Code page " + std::to_string(code_page) + " is not known to this system."};
+  }
+  const int old = std::exchange(code_page_, code_page);
+  for (const Entry& entry : entries_) {
+    if (!entry.present) continue;
+    const Status status = CheckRepresentable(entry.text);
+    if (!status.ok()) {
+      code_page_ = old;
+      return status;
+    }
+  }
+  for (Entry& entry : entries_) {
+    if (entry.present && !IsAscii(entry.raw)) entry.raw = {};
+  }
+  dirty_ = true;
+  return {};
+}
+
+void StringPool::BuildIndex() {
+  if (indexed_) return;
+  indexed_ = true;
+  size_t capacity = 64;
+  while (capacity < entries_.size() * 2) capacity *= 2;
+  index_.assign(capacity, 0);
+  index_used_ = 0;
+  for (size_t id = 1; id < entries_.size(); ++id) {
+    Entry& entry = entries_[id];
+    if (!entry.present) continue;
+    entry.hash = Hash(entry.text);
+    Id other = 0;
+    if (!has_doubles_ && Find(entry.text, &other)) has_doubles_ = true;
+    IndexInsert(static_cast<Id>(id));
+  }
+}
+
+bool StringPool::Find(std::string_view text, Id* id) const {
+  if (text.empty()) {
+    *id = 0;
+    return true;
+  }
+  const uint32_t hash = Hash(text);
+  const size_t mask = index_.size() - 1;
+  for (size_t slot = hash & mask; index_[slot] != 0; slot = (slot + 1) & mask) {
+    const Id candidate = index_[slot];
+    if (candidate == kGone) continue;
+    const Entry& entry = entries_[candidate];
+    if (entry.hash == hash && entry.text == text) {
+      *id = candidate;
+      return true;
+    }
+  }
+  return false;
+}
+
+StringPool::Id StringPool::Canonical(Id id) const {
+  Id first = id;
+  return has_doubles_ && id != 0 && entries_[id].present && Find(entries_[id].text, &first) ? first : id;
+}
+
+void StringPool::IndexInsert(Id id) {
+  if ((index_used_ + 1) * 4 > index_.size() * 3) {
+    size_t capacity = 64;
+    while (capacity < entries_.size() * 2) capacity *= 2;
+    index_.assign(capacity, 0);
+    index_used_ = 0;
+    for (size_t other = 1; other < entries_.size(); ++other) {
+      if (entries_[other].present && other != id) IndexInsert(static_cast<Id>(other));
+    }
+  }
+  const size_t mask = index_.size() - 1;
+  size_t slot = entries_[id].hash & mask;
+  while (index_[slot] != 0 && index_[slot] != kGone) slot = (slot + 1) & mask;
+  if (index_[slot] == 0) ++index_used_;
+  index_[slot] = id;
+}
+
+void StringPool::IndexErase(Id id) {
+  const size_t mask = index_.size() - 1;
+  for (size_t slot = entries_[id].hash & mask; index_[slot] != 0; slot = (slot + 1) & mask) {
+    if (index_[slot] != id) continue;
+    index_[slot] = kGone;
+    return;
+  }
+}
+
+Result<StringPool::Id> StringPool::Intern(std::string_view text) {
+  Id id = 0;
+  if (Find(text, &id)) return id;
+  KW_RETURN_IF_ERROR(CheckRepresentable(text));
+  if (text.find('\0') != std::string_view::npos) {
+    return {kErrorUnrepresentableText, "A text with a zero character cannot be kept in a database."};
+  }
+  if (free_ids_.empty()) {
+    if (entries_.size() >= kMaxIds) return {kErrorDiskFull, "The database holds too many different texts."};
+    id = static_cast<Id>(entries_.size());
+    entries_.emplace_back();
+  } else {
+    id = free_ids_.back();
+    free_ids_.pop_back();
+  }
+  Entry& entry = entries_[id];
+  entry = Entry{};
+  entry.present = true;
+  entry.text = Keep(std::string(text), entry);
+  entry.hash = Hash(entry.text);
+  IndexInsert(id);
+  return id;
+}
+
+void StringPool::AddUse(Id id, bool temporary) {
+  if (id == 0) return;
+  ++(temporary ? entries_[id].temporary_uses : entries_[id].uses);
+  dirty_ = dirty_ || !temporary;
+}
+
+void StringPool::DropUse(Id id, bool temporary) {
+  if (id == 0) return;
+  uint32_t& uses = temporary ? entries_[id].temporary_uses : entries_[id].uses;
+  if (uses > 0) --uses;
+  dirty_ = dirty_ || !temporary;
+  DropIfUnused(id);
+}
+
+void StringPool::DropIfUnused(Id id) {
+  const Entry& entry = entries_[id];
+  if (id != 0 && entry.present && entry.uses == 0 && entry.temporary_uses == 0) Forget(id);
+}
+
+void StringPool::Forget(Id id) {
+  if (indexed_) IndexErase(id);
+  if (entries_[id].own) {
+    own_[entries_[id].own_slot].clear();
+    own_free_.push_back(entries_[id].own_slot);
+  }
+  entries_[id] = Entry{};
+  free_ids_.push_back(id);
+}
+
+bool StringPool::WidenIfNeeded() {
+  if (reference_bytes_ == 3 || entries_.size() <= 0x10000) return false;
+  reference_bytes_ = 3;
+  return true;
+}
+
+}  // namespace kw::msi

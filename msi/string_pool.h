@@ -1,0 +1,97 @@
+#ifndef KITWRIGHT_MSI_STRING_POOL_H_
+#define KITWRIGHT_MSI_STRING_POOL_H_
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/result.h"
+
+namespace kw::msi {
+
+/// The texts of a database, each kept once and named by a number; 0 is the empty text, which is null. Text is
+/// UTF-8 here and in the database's code page in the file. Two counts of uses are kept for each: of cells
+/// that go to the file, and of temporary ones, so that temporary text never reaches the file.
+class StringPool {
+ public:
+  using Id = uint32_t;
+
+  /// Reads the streams `_StringPool` and `_StringData`. Fails when they do not fit together.
+  Status Load(std::string_view pool, std::string data);
+  /// True if `id` names a text, or is 0.
+  bool Valid(Id id) const { return id == 0 || (id < entries_.size() && entries_[id].present); }
+  /// The counted uses by cells, by id, which replace what the file says of them.
+  void SetUses(const std::vector<uint32_t>& uses);
+  /// The two streams for the present content.
+  void Save(std::string* pool, std::string* data) const;
+
+  int code_page() const { return code_page_; }
+  /// Changes the code page; fails with kErrorUnrepresentableText when a text in use has no place in it.
+  Status SetCodePage(int code_page);
+  /// Bytes of a reference in the tables: 2, or 3 in large databases.
+  int reference_bytes() const { return reference_bytes_; }
+
+  /// Number of ids in use or once used; all valid ids are below.
+  size_t size() const { return entries_.size(); }
+  /// The text of `id`; valid as long as somebody uses it.
+  std::string_view Text(Id id) const { return entries_[id].text; }
+  /// The id of `text`, or false when no cell holds it.
+  bool Find(std::string_view text, Id* id) const;
+  /// The id of `text`, which is added when it is new, with no uses counted yet. Fails with
+  /// kErrorUnrepresentableText when the code page does not have all characters.
+  Result<Id> Intern(std::string_view text);
+  /// Counts a use, `temporary` when the cell stays out of the file.
+  void AddUse(Id id, bool temporary);
+  /// Takes a use back; a text without uses is forgotten.
+  void DropUse(Id id, bool temporary);
+  /// Forgets `id` if nothing uses it; for texts that were interned for a change that was then refused.
+  void DropIfUnused(Id id);
+  /// The smallest id with the same text; differs from `id` only in files that keep a text twice.
+  Id Canonical(Id id) const;
+  /// True if the file keeps some text twice.
+  bool has_doubles() const { return has_doubles_; }
+  /// Must be called before Find, Intern or Canonical; cheap from the second time on.
+  void BuildIndex();
+  /// Widens references to 3 bytes if the ids ask for it; true if that changed.
+  bool WidenIfNeeded();
+  bool dirty() const { return dirty_; }
+  void ClearDirty() { dirty_ = false; }
+
+ private:
+  struct Entry {
+    std::string_view text;  // UTF-8
+    std::string_view raw;   // the bytes of the file, for texts that came from it
+    uint32_t uses = 0;
+    uint32_t temporary_uses = 0;
+    uint32_t hash = 0;
+    bool present = false;
+    bool own = false;  // text lies in own_[...]
+    uint32_t own_slot = 0;
+  };
+
+  static uint32_t Hash(std::string_view text);
+  void IndexInsert(Id id);
+  void IndexErase(Id id);
+  void Forget(Id id);
+  std::string_view Keep(std::string text, Entry& entry);
+  Status CheckRepresentable(std::string_view text) const;
+
+  int code_page_ = 0;
+  int reference_bytes_ = 2;
+  std::string data_;             // `_StringData` as loaded
+  std::vector<Entry> entries_;   // by id
+  std::deque<std::string> own_;  // texts that are not in data_
+  std::vector<uint32_t> own_free_;
+  std::vector<Id> free_ids_;
+  std::vector<Id> index_;  // open addressing; 0 is empty, kGone a removed one
+  size_t index_used_ = 0;
+  bool indexed_ = false;
+  bool has_doubles_ = false;
+  bool dirty_ = false;
+};
+
+}  // namespace kw::msi
+
+#endif  // KITWRIGHT_MSI_STRING_POOL_H_
