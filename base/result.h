@@ -26,6 +26,7 @@ enum ErrorNumber : int {
   kErrorProcedureNotFound = 127,
   kErrorDirectoryNotEmpty = 145,
   kErrorAlreadyExists = 183,
+  kErrorBadExeFormat = 193,
   kErrorMoreData = 234,
   kErrorNoMoreItems = 259,
   kErrorKeyDeleted = 1018,

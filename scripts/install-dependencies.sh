@@ -14,6 +14,9 @@ packages=(
   adwaita-icon-theme
   fonts-dejavu-core
   libwxgtk3.2-dev
+  # Windows of the product's tools
+  libxcb1-dev
+  pkg-config
   # Cabinets
   libdeflate-dev
   libisal-dev
