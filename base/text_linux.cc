@@ -27,7 +27,10 @@ std::string IconvName(int code_page) {
       return "ISO-8859-1";
     case 950:
       return "BIG5-HKSCS";
+    case 20866:
+      return "KOI8-R";
     default:
+      if (code_page > 28591 && code_page <= 28606) return "ISO-8859-" + std::to_string(code_page - 28590);
       return "CP" + std::to_string(code_page);
   }
 }
