@@ -10,6 +10,8 @@ packages=(
   cmake
   mold
   ninja-build
+  # Formats
+  libpugixml-dev
   # Windows, and the pictures and fonts that they show
   adwaita-icon-theme
   fonts-dejavu-core
@@ -38,6 +40,8 @@ packages=(
   # Judges of what the wizard wrote
   cabextract
   msitools
+  wine
+  wine64
 )
 
 missing=()

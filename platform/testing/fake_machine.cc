@@ -10,6 +10,7 @@ FakeMachine::FakeMachine() {
   services.files = &files;
   services.registry = &registry;
   services.profiles = &profiles;
+  services.xml = &xml;
   services.processes = &recorded_processes;
   services.system = &system;
   services.dialogs = &dialogs;

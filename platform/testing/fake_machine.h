@@ -5,6 +5,7 @@
 #include "platform/services.h"
 #include "platform/shared/ini_profile_files.h"
 #include "platform/shared/recording.h"
+#include "platform/shared/xml_files.h"
 #include "platform/testing/fake_closed_libraries.h"
 #include "platform/testing/fake_dialogs.h"
 #include "platform/testing/fake_file_system.h"
@@ -36,6 +37,7 @@ struct FakeMachine {
   FakeSystem system;
   FakeRegistry registry;
   IniProfileFiles profiles{files, system};
+  XmlFiles xml{files};
   FakeClosedLibraries libraries{files};
   RecordingProcesses recorded_processes{processes, transcript};
   RecordingClosedLibraries recorded_libraries{libraries, transcript};
