@@ -27,6 +27,7 @@ const Prefixes kEverything = {""};
 /// entry of the list that ends in "/" stands for the files directly in that folder.
 const std::map<std::string, Prefixes> kMayInclude = {
     {"base/", {"base/"}},
+    {"base/testing/", {"base/", "base/testing/"}},
     {"msi/", {"base/", "msi/"}},
     {"cabinet/", {"base/", "cabinet/"}},
     {"formats/", {"base/", "formats/"}},
@@ -37,7 +38,8 @@ const std::map<std::string, Prefixes> kMayInclude = {
     {"platform/windows/",
      {"base/", "msi/", "cabinet/", "formats/", "platform/", "platform/shared/", "platform/windows/"}},
     {"platform/testing/",
-     {"base/", "msi/", "cabinet/", "formats/", "platform/", "platform/shared/", "platform/testing/"}},
+     {"base/", "base/testing/", "msi/", "cabinet/", "formats/", "platform/", "platform/shared/",
+      "platform/testing/"}},
     {"ui/", {"base/", "ui/"}},
     {"ui/testing/", {"base/", "ui/", "ui/testing/"}},
     {"ui/wx/", {"base/", "platform/", "platform/shared/", "ui/", "ui/wx/"}},
@@ -75,14 +77,15 @@ const Prefixes* RuleFor(const std::string& file) {
 }
 
 bool IsTest(const std::string& file) {
-  return file.find("_test.") != std::string::npos || file.find("_test_support.") != std::string::npos;
+  return file.find("_test.") != std::string::npos || file.find("test_support.") != std::string::npos;
 }
 
 bool MayInclude(const std::string& file, const std::string& included) {
   const Prefixes* rule = RuleFor(file);
   if (!rule) return false;
   // Tests may use the fakes of any level.
-  if (IsTest(file) && (included.starts_with("platform/testing/") || included.starts_with("ui/testing/")))
+  if (IsTest(file) && (included.starts_with("base/testing/") || included.starts_with("platform/testing/") ||
+                       included.starts_with("ui/testing/")))
     return true;
   return std::any_of(rule->begin(), rule->end(), [&](const std::string& allowed) {
     if (!included.starts_with(allowed)) return false;
