@@ -255,16 +255,12 @@ bool frmInstallBWK::MakeInstaller(std::string& final_installer) {
   return made.value_or(0) != 0;
 }
 
-// A failed copy shows as a missing program.
 bool frmInstallBWK::CopyInstaller(const std::string& final_installer) {
   platform::FileSystem& files = *services_.files;
   const std::string folder = run_.DestinationFolder + "\\BWK\\";
   files.DeleteFile(folder + InstallFileName, true).IgnoreError();
-  const bool existed = files.FileExists(folder + kProgram);
-  const Status copied = files.CopyFile(final_installer, folder + kProgram, true);
-  run_.BulwarkProgramCopied = copied.ok() || !existed;
-  if (!copied.ok()) files.DeleteFile(folder + kProgram, true).IgnoreError();
-  return files.FileExists(folder + kProgram);
+  run_.BulwarkProgramCopied = files.CopyFile(final_installer, folder + kProgram, true).ok();
+  return run_.BulwarkProgramCopied && files.FileExists(folder + kProgram);
 }
 
 void frmInstallBWK::AddChoices(ui::ListBox& list) {
