@@ -2,7 +2,10 @@
 
 #include <utility>
 
+#include "console/console_package.h"
 #include "pages/frm_additional_files.h"
+#include "payloads/frm_common_updater.h"
+#include "payloads/frm_dats_and_engine.h"
 #include "settings/frm_config_source.h"
 #include "settings/settings_output.h"
 #include "shell/program_entry.h"
@@ -14,6 +17,11 @@ WizardApp::WizardApp(platform::Services& services, ui::FormHost& host, FormFacto
   context_.operations.AddProductSettings = [this] { return AddProductSettings(context_); };
   context_.operations.OpenPackageSettings = [this] { pages_.Get<frmConfigSource>().TakePackageSettings(); };
   context_.operations.CreateCabFile = [this] { return pages_.Get<frmAdditionalFiles>().CreateCabFile(); };
+  context_.operations.ReadPackageAgent = [this] { pages_.Get<frmCommonUpdater>().ReadPackageAgent(); };
+  context_.operations.CopySigTermsTxt = [this] { pages_.Get<frmDATsAndEngine>().CopySigTermsTxt(); };
+  context_.operations.CreateConsolePackage = [this] { CreateConsolePackage(context_); };
+  context_.operations.CreateOptimizedConsolePackage = [this] { CreateOptimizedConsolePackage(context_); };
+  context_.operations.CreateSettingsConsolePackage = [this] { CreateSettingsConsolePackage(context_); };
 }
 
 void WizardApp::Run() { RunProgramEntry(context_); }

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "shell/placeholder_page.h"
+#include "shell/plain_test_page.h"
 #include "shell/shell_test_support.h"
 
 namespace kw {
@@ -14,9 +14,9 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 /// A companion's page with its install check box alone.
-struct CompanionPage : PlaceholderPage {
+struct CompanionPage : testing::PlainTestPage {
   CompanionPage(PageContext& context, const char* form, const char* check_box)
-      : PlaceholderPage(context, form, form, 1), install(*this, check_box, "") {}
+      : PlainTestPage(context, form, form, 1), install(*this, check_box, "") {}
   ui::CheckBox install;
 };
 

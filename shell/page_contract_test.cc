@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "shell/frm_welcome.h"
-#include "shell/placeholder_page.h"
+#include "shell/plain_test_page.h"
 #include "shell/shell_test_support.h"
 
 namespace kw {
@@ -23,11 +23,11 @@ constexpr const char* kAskCancel =
     "Cancel";
 
 /// A plain page that counts how often it is left.
-struct PlainPage : PlaceholderPage {
-  explicit PlainPage(PageContext& context) : PlaceholderPage(context, "frmFeatures", "Features", 1002) {}
+struct PlainPage : testing::PlainTestPage {
+  explicit PlainPage(PageContext& context) : PlainTestPage(context, "frmFeatures", "Features", 1002) {}
   void LeavePage(const std::string& name) override {
     left_for.push_back(name);
-    PlaceholderPage::LeavePage(name);
+    PlainTestPage::LeavePage(name);
   }
   std::vector<std::string> left_for;
 };

@@ -13,6 +13,12 @@
 #include "pages/frm_registry_settings.h"
 #include "pages/frm_source_and_destination.h"
 #include "pages/frm_zed_password.h"
+#include "payloads/frm_beaconry_server.h"
+#include "payloads/frm_common_updater.h"
+#include "payloads/frm_configure_bwk.h"
+#include "payloads/frm_dats_and_engine.h"
+#include "payloads/frm_install_bwk.h"
+#include "payloads/frm_patch_files.h"
 #include "settings/frm_add_task.h"
 #include "settings/frm_auto_update.h"
 #include "settings/frm_config_source.h"
@@ -23,7 +29,6 @@
 #include "shell/frm_finish.h"
 #include "shell/frm_review_configuration.h"
 #include "shell/frm_welcome.h"
-#include "shell/placeholder_page.h"
 
 namespace kw {
 namespace {
@@ -31,13 +36,6 @@ namespace {
 template <typename T>
 FormFactories::value_type Of() {
   return {T::kName, [](PageContext& context) { return std::make_unique<T>(context); }};
-}
-
-/// A page that is still to come.
-FormFactories::value_type Later(const char* name, const char* title, int help_id) {
-  return {name, [=](PageContext& context) {
-            return std::make_unique<PlaceholderPage>(context, name, title, help_id);
-          }};
 }
 
 }  // namespace
@@ -67,13 +65,14 @@ FormFactories AllFormFactories() {
       Of<frmRegistrySettings>(),
       Of<frmZEDPassword>(),
       Of<frmAddTask>(),
+      Of<frmDATsAndEngine>(),
+      Of<frmPatchFiles>(),
+      Of<frmCommonUpdater>(),
+      Of<frmBeaconryServer>(),
+      Of<frmInstallBWK>(),
+      Of<frmConfigureBWK>(),
       Of<frmReviewConfiguration>(),
       Of<frmFinish>(),
-      Later("frmBeaconryServer", "Beaconry Installation", 1015),
-      Later("frmPatchFiles", "Patch Files", 1018),
-      Later("frmDATsAndEngine", "DAT and Engine Files", 1019),
-      Later("frmCommonUpdater", "AutoUpdate Configuration", 1022),
-      Later("frmInstallBWK", "Tamrix Bulwark", 1035),
   };
 }
 

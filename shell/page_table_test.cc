@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "shell/placeholder_page.h"
+#include "shell/plain_test_page.h"
 #include "shell/shell_test_support.h"
 
 namespace kw {
@@ -26,7 +26,7 @@ FormFactories PlainPages() {
         name == "frmReviewConfiguration")
       continue;
     factory = [form = name](PageContext& context) {
-      return std::make_unique<PlaceholderPage>(context, form, form, 1);
+      return std::make_unique<testing::PlainTestPage>(context, form, form, 1);
     };
   }
   return factories;
