@@ -15,6 +15,7 @@ packages=(
   # Windows, and the pictures and fonts that they show
   adwaita-icon-theme
   fonts-dejavu-core
+  libgtk-3-dev
   libwxgtk3.2-dev
   # Windows of the product's tools
   libxcb1-dev

@@ -1,0 +1,79 @@
+#ifndef KITWRIGHT_UI_WX_FORM_VIEW_H_
+#define KITWRIGHT_UI_WX_FORM_VIEW_H_
+
+#include <wx/panel.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "ui/form.h"
+#include "ui/wx/control_view.h"
+
+namespace kw::ui {
+
+class WxHost;
+
+/// The panel that shows one form, with a view of each of its controls. Changes of the form's state are
+/// gathered and brought to the widgets together, before anything is painted or waited for.
+class FormView {
+ public:
+  /// Builds the panel as a child of `parent`. `form` may go away before the view does: then Detach is called.
+  FormView(WxHost& host, Form& form, wxWindow* parent);
+  ~FormView();
+  FormView(const FormView&) = delete;
+  FormView& operator=(const FormView&) = delete;
+
+  WxHost& Host() const { return host_; }
+  /// Null once the form is gone.
+  Form* Shown() const { return form_; }
+  wxPanel* Panel() const { return panel_; }
+
+  /// The form's object goes away: the view sends it nothing from now on.
+  void Detach() { form_ = nullptr; }
+  void Mark(const Control& control, Change change);
+  /// Brings all gathered changes to the widgets.
+  void Flush();
+  void Focus(const Control& control, bool select_all);
+  /// Moves the focus to where a person begins, or back to where it was when the form lost it.
+  void FocusSomething();
+  /// The form's enabled state.
+  void Enable(bool enabled);
+
+  /// Lets the layout be done anew at the next Flush.
+  void NeedLayout() { need_layout_ = true; }
+  /// Breaks the labels and places everything for the panel's present size.
+  void DoLayout();
+  /// The least size of the panel that shows everything.
+  wxSize LeastSize() const;
+
+  /// Runs what a person did, unless the control cannot be used now; then its widget goes back to the state.
+  void User(ControlView& view, const std::function<void()>& action);
+  /// Presses the form's default or cancel button; false when there is none that can be pressed.
+  bool PressCancel();
+  /// Makes the form's default button the one that Enter presses.
+  void ApplyDefaultButton();
+
+  ControlView* ViewOf(const Control& control) const;
+  /// True once after each painting since the last call of ForgetPainting.
+  bool Painted() const { return painted_; }
+  void ForgetPainting() { painted_ = false; }
+
+ private:
+  WxHost& host_;
+  Form* form_;
+  wxPanel* panel_;
+  wxWindow* scroller_ = nullptr;
+  std::map<const Control*, std::unique_ptr<ControlView>> views_;
+  std::vector<ControlView*> order_;
+  std::vector<WrappingView*> wrapping_;
+  std::map<const Control*, Changes> pending_;
+  wxWindow* last_focus_ = nullptr;
+  bool need_layout_ = true;
+  bool painted_ = false;
+};
+
+}  // namespace kw::ui
+
+#endif  // KITWRIGHT_UI_WX_FORM_VIEW_H_

@@ -1,0 +1,454 @@
+#include "ui/wx/wx_host.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <wx/app.h>
+#include <wx/dataview.h>
+#include <wx/evtloop.h>
+#include <wx/stopwatch.h>
+#include <wx/timer.h>
+#include <wx/uiaction.h>
+
+#include <cstdlib>
+
+#include "ui/wx/testing/sample_forms.h"
+#include "ui/wx/testing/virtual_display.h"
+#include "ui/wx/wx_application.h"
+
+namespace kw::ui {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using testing::SampleDialog;
+using testing::SamplePage;
+using testing::SampleStatus;
+
+/// The display and the toolkit, started once for all tests.
+class Toolkit : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    display_ = testing::VirtualDisplay::Start(1280, 1024);
+    if (!display_) return;
+    static int argc = 1;
+    static char name[] = "ui_wx_test";
+    static char* argv[] = {name, nullptr};
+    Result<std::unique_ptr<WxApplication>> started = WxApplication::Start(argc, argv);
+    if (started.ok()) application_ = std::move(started.value());
+  }
+  void TearDown() override {
+    application_.reset();
+    display_.reset();
+  }
+  static bool Ready() { return application_ != nullptr; }
+  static WxApplication& Application() { return *application_; }
+
+ private:
+  static std::unique_ptr<testing::VirtualDisplay> display_;
+  static std::unique_ptr<WxApplication> application_;
+};
+
+std::unique_ptr<testing::VirtualDisplay> Toolkit::display_;
+std::unique_ptr<WxApplication> Toolkit::application_;
+
+const ::testing::Environment* const kToolkit = ::testing::AddGlobalTestEnvironment(new Toolkit);
+
+class WxHostTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!Toolkit::Ready()) GTEST_SKIP() << "no virtual display: Xvfb or openbox is not installed";
+    loop_ = std::make_unique<wxGUIEventLoop>();
+    wxEventLoopBase::SetActive(loop_.get());
+    host_ = std::make_unique<WxHost>();
+  }
+  void TearDown() override {
+    host_.reset();
+    if (loop_) wxEventLoopBase::SetActive(nullptr);
+  }
+
+  /// Serves events for a while, as the running program does.
+  void Serve(long milliseconds = 150) {
+    const wxStopWatch watch;
+    while (watch.Time() < milliseconds) {
+      host_->PumpEvents();
+      wxTheApp->ProcessIdle();
+    }
+  }
+
+  void Show(SamplePage& page) {
+    page.Show();
+    Serve(300);
+    page.events.clear();
+  }
+
+  void ClickAt(wxPoint point, bool right = false) {
+    simulator_.MouseMove(point);
+    Serve(30);
+    simulator_.MouseClick(right ? wxMOUSE_BTN_RIGHT : wxMOUSE_BTN_LEFT);
+    Serve();
+  }
+
+  void Press(int key, int modifiers = wxMOD_NONE) {
+    simulator_.Char(key, modifiers);
+    Serve(80);
+  }
+
+  void Type(const char* text) {
+    simulator_.Text(text);
+    Serve();
+  }
+
+  /// The middle of a control's widget on the screen.
+  wxPoint Middle(const Control& control) {
+    const wxRect place = host_->ViewOf(control.Owner())->ViewOf(control)->Window()->GetScreenRect();
+    return {place.x + place.width / 2, place.y + place.height / 2};
+  }
+
+  /// A point on a node of a tree that is shown from its top, by its number from 0.
+  wxPoint NodePoint(const Tree& tree, int number) {
+    auto* view = static_cast<wxDataViewCtrl*>(host_->ViewOf(tree.Owner())->ViewOf(tree)->Window());
+    const wxDataViewItem item(reinterpret_cast<void*>(static_cast<intptr_t>(number) + 1));
+    const wxRect row = view->GetItemRect(item, view->GetColumn(0));
+    return view->ClientToScreen(wxPoint(row.x + 40, row.y + row.height / 2));
+  }
+
+  /// Does something once so many milliseconds have passed, while a nested loop runs.
+  void Later(int milliseconds, std::function<void()> action) {
+    timers_.push_back(std::make_unique<wxTimer>());
+    timers_.back()->Bind(wxEVT_TIMER, [action = std::move(action)](wxTimerEvent&) { action(); });
+    timers_.back()->StartOnce(milliseconds);
+  }
+
+  /// Opens a pop-up menu by `open` and presses `keys` in it.
+  void ChooseFromPopup(const std::function<void()>& open, const std::vector<int>& keys) {
+    int at = 400;
+    for (const int key : keys) {
+      Later(at, [this, key] { simulator_.Char(key); });
+      at += 200;
+    }
+    open();
+    Serve(at);
+  }
+
+  /// For a person to look at: a picture of the screen, where KITWRIGHT_SCREENSHOTS names a folder.
+  void Screenshot(const std::string& name) {
+    const char* folder = std::getenv("KITWRIGHT_SCREENSHOTS");
+    if (!folder) return;
+    Serve();
+    const std::string command = "import -window root '" + std::string(folder) + "/" + name + ".png'";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+  }
+
+  std::unique_ptr<wxGUIEventLoop> loop_;
+  std::unique_ptr<WxHost> host_;
+  std::vector<std::unique_ptr<wxTimer>> timers_;
+  wxUIActionSimulator simulator_;
+};
+
+TEST_F(WxHostTest, ShowsAPageWithEveryControl) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  page.folder.SetText("C:\\Packages\\Kestrane");
+  page.first.SetValue(true);
+  Screenshot("page");
+  EXPECT_TRUE(host_->Alive());
+}
+
+TEST_F(WxHostTest, AClickOnAButtonFiresItsHandler) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  ClickAt(Middle(page.browse));
+  EXPECT_THAT(page.events, ElementsAre("browse"));
+}
+
+TEST_F(WxHostTest, TypingChangesTheTextBoxAndFiresOneChangeALetter) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  page.folder.SelectField();
+  Serve();
+  Type("ab");
+  EXPECT_THAT(page.events, ElementsAre("text a", "text ab"));
+}
+
+TEST_F(WxHostTest, ATextSetFromCodeIsShownAndSendsNothingBack) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  page.folder.SetText("C:\\Packages");
+  page.list.Add("Delta");
+  page.list.Select(3);
+  page.grid.SelectRow(2);
+  page.optimize.SetChecked(true);
+  page.second.SetValue(true);
+  Serve();
+  EXPECT_THAT(page.events, ElementsAre("text C:\\Packages", "list 3", "optimize 1", "second"));
+}
+
+TEST_F(WxHostTest, ASelectedFieldIsReplacedByTyping) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  page.folder.SetText("old");
+  Show(page);
+  page.folder.SelectField();
+  Serve();
+  Type("n");
+  EXPECT_EQ(page.folder.Text(), "n");
+}
+
+TEST_F(WxHostTest, ChecksAndOptionsAnswerTheMouse) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  ClickAt(Middle(page.optimize));
+  ClickAt(Middle(page.first));
+  ClickAt(Middle(page.second));
+  ClickAt(Middle(page.second));
+  EXPECT_THAT(page.events, ElementsAre("optimize 1", "first", "second"));
+  EXPECT_FALSE(page.first.Value());
+}
+
+TEST_F(WxHostTest, OptionsCanAllBeOffAgain) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  ClickAt(Middle(page.first));
+  page.first.SetValue(false);
+  Serve();
+  ClickAt(Middle(page.first));
+  EXPECT_THAT(page.events, ElementsAre("first", "first"));
+}
+
+TEST_F(WxHostTest, ADisabledControlAndABusyPageIgnoreThePerson) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  page.browse.SetEnabled(false);
+  Serve();
+  ClickAt(Middle(page.browse));
+  page.browse.SetEnabled(true);
+  page.SetMousePointer(Pointer::kHourglass);
+  page.SetEnabled(false);
+  Serve();
+  ClickAt(Middle(page.browse));
+  ClickAt(Middle(page.optimize));
+  EXPECT_THAT(page.events, ElementsAre());
+  page.SetEnabled(true);
+  page.SetMousePointer(Pointer::kDefault);
+  Serve();
+  ClickAt(Middle(page.browse));
+  EXPECT_THAT(page.events, ElementsAre("browse"));
+}
+
+TEST_F(WxHostTest, ALeftClickOnAPageNodePressesAndClicks) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  ClickAt(NodePoint(page.pages, 2));
+  EXPECT_THAT(page.events, ElementsAre("press left", "node Source for Configuration"));
+}
+
+TEST_F(WxHostTest, ARightClickOnAPageNodeTellsTheButton) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  ClickAt(NodePoint(page.pages, 4), true);
+  EXPECT_THAT(page.events, ElementsAre("press right", "node Post-Installation Options"));
+}
+
+TEST_F(WxHostTest, EnterOnANodeIsALeftClick) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  page.pages.SetFocus();
+  Serve();
+  Press(WXK_DOWN);
+  Press(WXK_RETURN);
+  EXPECT_THAT(page.events, ElementsAre("press left", "node Source for Configuration"));
+}
+
+TEST_F(WxHostTest, ListsPickByMouseAndKeyboard) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  const wxRect list = host_->ViewOf(page)->ViewOf(page.list)->Window()->GetScreenRect();
+  ClickAt(wxPoint(list.x + 30, list.y + 12));
+  Press(WXK_DOWN);
+  ClickAt(wxPoint(list.x + 30, list.y + 12));
+  ClickAt(wxPoint(list.x + 30, list.y + 12));
+  EXPECT_THAT(page.events, ElementsAre("list 0", "list 1", "list 0", "list 0"));
+}
+
+TEST_F(WxHostTest, GridRowsAnswerClicksKeysAndDoubleClicks) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  const wxRect grid = host_->ViewOf(page)->ViewOf(page.grid)->Window()->GetScreenRect();
+  const wxPoint second(grid.x + 40, grid.y + 62);
+  ClickAt(second);
+  Press(WXK_DELETE);
+  Press(WXK_INSERT);
+  Press(WXK_DOWN);
+  Press(WXK_RETURN);
+  EXPECT_THAT(page.events, ElementsAre("row 2", "delete 2", "insert 2", "row 3", "edit 3"));
+}
+
+TEST_F(WxHostTest, AccessKeysReachFieldsThroughTheirLabels) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  Press('W', wxMOD_ALT);
+  Type("x");
+  Press('O', wxMOD_ALT);
+  EXPECT_THAT(page.events, ElementsAre("password x", "optimize 1"));
+}
+
+TEST_F(WxHostTest, EnterPressesTheDefaultButtonAndEscapeTheCancelButton) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  page.folder.SetFocus();
+  Serve();
+  Press(WXK_RETURN);
+  Serve(400);  // a button that is pressed by a key stays down for a moment
+  Press(WXK_ESCAPE);
+  EXPECT_THAT(page.events, ElementsAre("next", "cancel"));
+}
+
+TEST_F(WxHostTest, TabFollowsTheOrderOfTheControls) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  page.folder.SetFocus();
+  Serve();
+  Press(WXK_TAB);
+  Press(WXK_SPACE);
+  Press(WXK_TAB);
+  Type("p");
+  Press(WXK_TAB);
+  Press(WXK_SPACE);
+  EXPECT_THAT(page.events, ElementsAre("browse", "password p", "optimize 1"));
+}
+
+TEST_F(WxHostTest, APopupMenuRunsTheChosenItem) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  page.features.SetFocus();
+  Serve();
+  Press(WXK_DOWN);
+  ChooseFromPopup([&] { Press(WXK_SPACE); }, {WXK_DOWN, WXK_DOWN, WXK_RETURN});
+  EXPECT_THAT(page.events, Contains("invisible"));
+}
+
+TEST_F(WxHostTest, ANewPageTakesThePlaceOfTheOld) {
+  SamplePage first(*host_, "frmFirst", "First");
+  SamplePage second(*host_, "frmSecond", "Second");
+  Show(first);
+  wxWindow* window = wxGetTopLevelParent(host_->ViewOf(first)->Panel());
+  const wxRect place = window->GetScreenRect();
+  second.Show();
+  first.Hide();
+  Serve();
+  EXPECT_EQ(wxGetTopLevelParent(host_->ViewOf(second)->Panel()), window);
+  EXPECT_EQ(window->GetScreenRect(), place);
+  EXPECT_EQ(window->GetLabel(), "Second");
+  EXPECT_FALSE(host_->ViewOf(first)->Panel()->IsShown());
+  EXPECT_TRUE(host_->ViewOf(second)->Panel()->IsShown());
+}
+
+TEST_F(WxHostTest, ClosingTheWindowAsksThePage) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  page.may_close = false;
+  auto* window = wxGetTopLevelParent(host_->ViewOf(page)->Panel());
+  window->Close();
+  Serve();
+  EXPECT_THAT(page.events, ElementsAre("close"));
+  EXPECT_TRUE(page.Visible());
+  page.may_close = true;
+  window->Close();
+  Serve();
+  EXPECT_FALSE(page.Visible());
+  EXPECT_FALSE(window->IsShown());
+}
+
+TEST_F(WxHostTest, AModalDialogReturnsWhenItIsHidden) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  SampleDialog dialog(*host_, "frmDialog");
+  Show(page);
+  dialog.editor.SetText("[general]\r\nname=value\r\n");
+  Later(600, [&] {
+    Screenshot("dialog");
+    simulator_.Text("typed");
+  });
+  Later(1200, [&] { simulator_.Char(WXK_RETURN); });
+  dialog.ShowModal();
+  EXPECT_FALSE(dialog.Visible());
+  EXPECT_EQ(dialog.name.Text(), "typed");
+  EXPECT_EQ(dialog.editor.Text(), "[general]\r\nname=value\r\n");
+}
+
+TEST_F(WxHostTest, TheStatusWindowIsPaintedByRefreshAndStandsOverItsPage) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  SampleStatus status(*host_);
+  Show(page);
+  page.SetEnabled(false);
+  status.Show();
+  status.Refresh();
+  EXPECT_TRUE(host_->ViewOf(status)->Painted());
+  Screenshot("status");
+  const wxRect over = wxGetTopLevelParent(host_->ViewOf(page)->Panel())->GetScreenRect();
+  const wxRect small = wxGetTopLevelParent(host_->ViewOf(status)->Panel())->GetScreenRect();
+  EXPECT_NEAR(small.x + small.width / 2, over.x + over.width / 2, 12);
+  EXPECT_NEAR(small.y + small.height / 2, over.y + over.height / 2, 30);
+  status.Hide();
+  EXPECT_TRUE(host_->Alive());
+}
+
+TEST_F(WxHostTest, WhileAToolIsOpenTheMouseBringsItForward) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  int forward = 0;
+  host_->RedirectActivation(page, [&] { ++forward; });
+  ClickAt(Middle(page.browse));
+  EXPECT_GE(forward, 1);
+  EXPECT_THAT(page.events, ElementsAre());
+  host_->RedirectActivation(page, {});
+  ClickAt(Middle(page.browse));
+  EXPECT_THAT(page.events, ElementsAre("browse"));
+}
+
+TEST_F(WxHostTest, AFormMayGoAwayInItsOwnHandler) {
+  SamplePage stays(*host_, "frmStays", "Stays");
+  auto page = std::make_unique<SamplePage>(*host_, "frmSample", "Sample Page");
+  Show(*page);
+  const wxPoint point = Middle(page->next);
+  page->next.on_click = [&] {
+    auto handler = page->next.on_click;  // keeps what runs alive
+    stays.Show();
+    page.reset();
+  };
+  simulator_.MouseMove(point);
+  Serve(30);
+  simulator_.MouseClick();
+  Serve();
+  EXPECT_EQ(page, nullptr);
+  EXPECT_TRUE(host_->ViewOf(stays)->Panel()->IsShown());
+}
+
+TEST_F(WxHostTest, AfterTheEndNothingIsShownAndNothingFires) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  host_->EndProgram();
+  EXPECT_TRUE(host_->Ended());
+  EXPECT_FALSE(host_->Alive());
+  EXPECT_FALSE(wxGetTopLevelParent(host_->ViewOf(page)->Panel())->IsShown());
+  EXPECT_THAT(page.events, ElementsAre());
+}
+
+TEST_F(WxHostTest, LongLabelsBreakAndNothingIsCutOff) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  const wxWindow* hint = host_->ViewOf(page)->ViewOf(page.hint)->Window();
+  EXPECT_NE(hint->GetLabel().find('\n'), wxString::npos);
+  EXPECT_GE(hint->GetSize().y, hint->GetMinSize().y);
+  page.hint.SetText("short");
+  Serve();
+  EXPECT_EQ(hint->GetLabel(), "short");
+}
+
+TEST_F(WxHostTest, TextWidthGrowsWithTheText) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  EXPECT_EQ(host_->TextWidth(page, ""), 0);
+  EXPECT_LT(host_->TextWidth(page, "iii"), host_->TextWidth(page, "WWW"));
+}
+
+}  // namespace
+}  // namespace kw::ui
