@@ -11,6 +11,7 @@ FakeMachine::FakeMachine() {
   services.registry = &registry;
   services.profiles = &profiles;
   services.xml = &xml;
+  services.versions = &versions;
   services.processes = &recorded_processes;
   services.system = &system;
   services.dialogs = &dialogs;

@@ -4,6 +4,7 @@
 #include "base/transcript.h"
 #include "platform/services.h"
 #include "platform/shared/ini_profile_files.h"
+#include "platform/shared/pe_file_versions.h"
 #include "platform/shared/recording.h"
 #include "platform/shared/xml_files.h"
 #include "platform/testing/fake_closed_libraries.h"
@@ -38,6 +39,7 @@ struct FakeMachine {
   FakeRegistry registry;
   IniProfileFiles profiles{files, system};
   XmlFiles xml{files};
+  PeFileVersions versions{files};
   FakeClosedLibraries libraries{files};
   RecordingProcesses recorded_processes{processes, transcript};
   RecordingClosedLibraries recorded_libraries{libraries, transcript};
