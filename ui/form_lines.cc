@@ -33,6 +33,13 @@ std::string HiddenLine(const Form& form) {
   return (form.Modal() ? "modal-end " : "hide ") + form.Name();
 }
 
+std::string ChangedLine(const Control& control, Change change) {
+  const Form& form = control.Owner();
+  const bool phase = form.Style() == FormStyle::kStatus && form.Visible() && change == Change::kText &&
+                     control.Kind() == ControlKind::kLabel;
+  return phase ? StatusLine(form) : std::string();
+}
+
 std::string FocusLine(const Control& control) {
   return "focus " + control.Owner().Name() + "." + control.Name();
 }

@@ -19,6 +19,9 @@ std::string ShownLine(const Form& form);
 std::string HiddenLine(const Form& form);
 /// "status TEXT" with the text of the status window's first label.
 std::string StatusLine(const Form& form);
+/// The line for a control that just changed: StatusLine when a visible status window tells another phase,
+/// otherwise "".
+std::string ChangedLine(const Control& control, Change change);
 /// "focus FORM.CONTROL".
 std::string FocusLine(const Control& control);
 /// "menu A|(B)|[x] C -> A"; -1 is "dismiss".

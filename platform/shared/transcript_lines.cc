@@ -1,5 +1,7 @@
 #include "platform/shared/transcript_lines.h"
 
+#include <algorithm>
+
 #include "base/path.h"
 #include "base/transcript.h"
 
@@ -26,6 +28,13 @@ const char* AnswerWord(Answer answer) {
       return "Retry";
   }
   return "";
+}
+
+Answer ClosingAnswer(const std::vector<Answer>& buttons) {
+  const auto closing = std::find_if(buttons.begin(), buttons.end(), [](Answer button) {
+    return button == Answer::kCancel || button == Answer::kNo;
+  });
+  return closing == buttons.end() ? buttons.back() : *closing;
 }
 
 std::string MessageLine(const std::string& text, bool critical) {

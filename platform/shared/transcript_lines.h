@@ -15,6 +15,9 @@ namespace kw::platform {
 /// A button's word: "OK", "Cancel", "Yes", "No", "Retry".
 const char* AnswerWord(Answer answer);
 
+/// The button that closing a question box presses: Cancel or No where there is one, else the last.
+Answer ClosingAnswer(const std::vector<Answer>& buttons);
+
 /// "message TEXT", with "!" for the critical icon.
 std::string MessageLine(const std::string& text, bool critical);
 /// "question TEXT [OK|Cancel] default=Cancel -> OK"; "question(TITLE) ..." where `title` is another than the

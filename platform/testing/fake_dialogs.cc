@@ -16,14 +16,6 @@ std::string TakeFront(std::deque<std::string>& queue) {
   return front;
 }
 
-// The button that closing the box presses.
-Answer CloseAnswer(const std::vector<Answer>& buttons) {
-  for (const Answer button : buttons) {
-    if (button == Answer::kCancel || button == Answer::kNo) return button;
-  }
-  return buttons.back();
-}
-
 }  // namespace
 
 void FakeDialogs::Message(const std::string& text) { transcript_.Add(MessageLine(text, false)); }
@@ -32,7 +24,7 @@ void FakeDialogs::CriticalMessage(const std::string& text) { transcript_.Add(Mes
 
 Answer FakeDialogs::Question(const std::string& text, const std::vector<Answer>& buttons,
                              Answer default_button, const std::string& title) {
-  Answer answer = CloseAnswer(buttons);
+  Answer answer = ClosingAnswer(buttons);
   if (answers.empty()) {
     ADD_FAILURE() << "A question without a queued answer: " << text;
   } else {
@@ -40,7 +32,7 @@ Answer FakeDialogs::Question(const std::string& text, const std::vector<Answer>&
     answers.pop_front();
     if (std::find(buttons.begin(), buttons.end(), answer) == buttons.end()) {
       ADD_FAILURE() << "The queued answer " << AnswerWord(answer) << " is no button of: " << text;
-      answer = CloseAnswer(buttons);
+      answer = ClosingAnswer(buttons);
     }
   }
   transcript_.Add(QuestionLine(text, buttons, default_button, title, answer));

@@ -5,19 +5,8 @@
 #include "platform/shared/transcript_lines.h"
 
 namespace kw::ui::drive {
-namespace {
 
 using platform::Answer;
-
-// The button that closing a question box presses.
-Answer CloseAnswer(const std::vector<Answer>& buttons) {
-  const auto close = std::find_if(buttons.begin(), buttons.end(), [](Answer button) {
-    return button == Answer::kCancel || button == Answer::kNo;
-  });
-  return close == buttons.end() ? buttons.back() : *close;
-}
-
-}  // namespace
 
 bool IsAnswerWord(const std::string& word) {
   const Answer all[] = {Answer::kOk, Answer::kCancel, Answer::kYes, Answer::kNo, Answer::kRetry};
@@ -39,7 +28,7 @@ Answer ScriptDialogs::Question(const std::string& text, const std::vector<Answer
   const auto button = std::find_if(buttons.begin(), buttons.end(), [&](Answer candidate) {
     return word && *word == platform::AnswerWord(candidate);
   });
-  const Answer answer = button == buttons.end() ? CloseAnswer(buttons) : *button;
+  const Answer answer = button == buttons.end() ? platform::ClosingAnswer(buttons) : *button;
   run_.transcript().Add(platform::QuestionLine(text, buttons, default_button, title, answer));
   if (button == buttons.end()) {
     run_.Stop(word ? "the question has no button " + *word : "the question has no queued answer");

@@ -63,11 +63,8 @@ void ScriptHost::FormDestroyed(Form& form) {
 }
 
 void ScriptHost::ControlChanged(Control& control, Change change) {
-  const Form& form = control.Owner();
-  const bool status = form.Style() == FormStyle::kStatus && form.Visible();
-  if (status && change == Change::kText && control.Kind() == ControlKind::kLabel) {
-    run_.transcript().Add(StatusLine(form));
-  }
+  std::string line = ChangedLine(control, change);
+  if (!line.empty()) run_.transcript().Add(std::move(line));
 }
 
 void ScriptHost::FocusControl(Control& control, bool) { run_.transcript().Add(FocusLine(control)); }

@@ -37,11 +37,8 @@ void FakeFormHost::RunModal(Form& form) {
 }
 
 void FakeFormHost::ControlChanged(Control& control, Change change) {
-  const Form& form = control.Owner();
-  const bool status = form.Style() == FormStyle::kStatus && form.Visible();
-  if (status && change == Change::kText && control.Kind() == ControlKind::kLabel) {
-    transcript_.Add(StatusLine(form));
-  }
+  std::string line = ChangedLine(control, change);
+  if (!line.empty()) transcript_.Add(std::move(line));
 }
 
 void FakeFormHost::FocusControl(Control& control, bool) { transcript_.Add(FocusLine(control)); }
