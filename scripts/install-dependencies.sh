@@ -36,6 +36,8 @@ packages=(
   # The sample machine: its packages, archives and Windows programs
   gcab
   gcc-mingw-w64-x86-64-posix
+  libsodium-dev
+  libzip-dev
   zip
   zlib1g-dev
   # Judges of what the wizard wrote

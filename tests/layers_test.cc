@@ -58,7 +58,7 @@ const std::map<std::string, Prefixes> kMayInclude = {
       "platform/windows/", "tools/"}},
     {"sample/",
      {"base/", "msi/", "cabinet/", "formats/", "platform/", "platform/shared/", "platform/embedded/",
-      "platform/windows/", "sample/"}},
+      "platform/windows/", "sample/", "tools/program"}},
     {"tests/", kEverything},
     {"fuzz/", kEverything},
     {"bench/", kEverything},

@@ -40,7 +40,8 @@ struct PackedFile {
   int size = 0;
 };
 
-/// Types as the registry numbers them: 1 text, 2 expanding text, 3 bytes, 4 number, 7 texts, 11 long number.
+/// Types as the registry numbers them: 0 none, 1 text, 2 expanding text, 3 bytes, 4 number, 7 texts, 11 long
+/// number.
 struct RegistryEntry {
   std::string key;
   std::string name;  ///< "" is the default value
@@ -58,7 +59,7 @@ struct Description {
   std::vector<Folder> folders;
   std::vector<PackedFile> files;
   std::vector<std::pair<std::string, std::string>> properties;
-  /// The live settings below HKEY_LOCAL_MACHINE. An entry with type 0 is a key without values.
+  /// The live settings below HKEY_LOCAL_MACHINE.
   std::vector<RegistryEntry> registry;
 };
 

@@ -1,60 +1,25 @@
 #include "sample/package/machine_writer.h"
 
-#include <cstdio>
 #include <map>
 #include <set>
 
 #include "base/text.h"
+#include "formats/reg_file.h"
 #include "sample/package/package_writer.h"
 
 namespace kw::sample {
 namespace {
 
-std::string Quoted(const std::string& text) {
-  return "\"" + ReplaceAll(ReplaceAll(text, "\\", "\\\\"), "\"", "\\\"") + "\"";
-}
-
-std::string HexBytes(std::string_view bytes) {
-  std::string text;
-  char part[8];
-  for (size_t i = 0; i < bytes.size(); ++i) {
-    std::snprintf(part, sizeof(part), "%s%02x", i == 0 ? "" : ",", static_cast<uint8_t>(bytes[i]));
-    text += part;
-  }
-  return text;
-}
-
-/// UTF-16, low byte first, with a terminating NUL.
-std::string WideBytes(std::string_view utf8) {
-  std::string bytes;
-  for (char16_t unit : Utf8ToUtf16(utf8)) {
-    bytes += static_cast<char>(unit & 0xFF);
-    bytes += static_cast<char>(unit >> 8);
-  }
-  return bytes + std::string(2, '\0');
-}
-
-std::string ValueText(const RegistryEntry& entry) {
+/// The data as a registry-editor file is given it: text with its terminators.
+std::string FileData(const RegistryEntry& entry) {
   switch (entry.type) {
     case 1:
-      return Quoted(entry.data);
     case 2:
-      return "hex(2):" + HexBytes(WideBytes(entry.data));
-    case 3:
-      return "hex:" + HexBytes(entry.data);
-    case 4: {
-      char text[24];
-      const auto byte = [&](size_t i) { return static_cast<unsigned>(static_cast<uint8_t>(entry.data[i])); };
-      std::snprintf(text, sizeof(text), "dword:%02x%02x%02x%02x", byte(3), byte(2), byte(1), byte(0));
-      return text;
-    }
+      return entry.data + std::string(1, '\0');
     case 7:
-      return "hex(7):" + HexBytes(WideBytes(entry.data + std::string(1, '\0')));
-    default: {
-      char kind[16];
-      std::snprintf(kind, sizeof(kind), "hex(%x):", entry.type);
-      return kind + HexBytes(entry.data);
-    }
+      return entry.data + std::string(2, '\0');
+    default:
+      return entry.data;
   }
 }
 
@@ -74,29 +39,24 @@ std::string MachineIni(const Description& product) {
   return text + second;
 }
 
-std::string Utf16Bytes(const std::string& utf8) {
-  std::string bytes = "\xFF\xFE" + WideBytes(utf8);
-  bytes.resize(bytes.size() - 2);
-  return bytes;
-}
-
 }  // namespace
 
-std::string RegistryText(const std::string& root, const std::vector<RegistryEntry>& entries) {
-  std::map<std::string, std::string, LessNoCase> keys;
+std::string RegistryFile(const std::string& root, const std::vector<RegistryEntry>& entries) {
+  std::map<std::string, std::vector<const RegistryEntry*>, LessNoCase> keys;
   for (const RegistryEntry& entry : entries) {
     // Every key on the way stands in the file, as the registry editor writes it.
     for (size_t at = entry.key.find('\\'); at != std::string::npos; at = entry.key.find('\\', at + 1)) {
       keys.try_emplace(entry.key.substr(0, at));
     }
-    std::string& values = keys[entry.key];
-    if (entry.type != 0) {
-      values += (entry.name.empty() ? "@" : Quoted(entry.name)) + "=" + ValueText(entry) + "\n";
-    }
+    keys[entry.key].push_back(&entry);
   }
-  std::string text = "Windows Registry Editor Version 5.00\n\n[" + root + "]\n\n";
-  for (const auto& [key, values] : keys) text += "[" + root + "\\" + key + "]\n" + values + "\n";
-  return text;
+  formats::RegFileWriter writer;
+  writer.AddKey(root);
+  for (const auto& [key, values] : keys) {
+    writer.AddKey(root + "\\" + key);
+    for (const RegistryEntry* value : values) writer.AddValue(value->name, value->type, FileData(*value));
+  }
+  return writer.File();
 }
 
 std::string SiteList(bool of_the_machine) {
@@ -130,11 +90,10 @@ std::string BulwarkPreferences(const std::string& owner) {
 void WriteMachine(const Description& product, const std::string& programs, Output& output) {
   output.WriteText("machine/machine.ini", MachineIni(product));
   output.Write("machine/registry/HKEY_LOCAL_MACHINE.reg",
-               Utf16Bytes(ReplaceAll(RegistryText("HKEY_LOCAL_MACHINE", product.registry), "\n", "\r\n")));
+               RegistryFile("HKEY_LOCAL_MACHINE", product.registry));
   const std::vector<RegistryEntry> user = {{"SOFTWARE\\Orvantic\\Desktop", "szUser", 1, "Administrator"},
                                            {"Control Panel\\Desktop", "Wallpaper", 1, ""}};
-  output.Write("machine/registry/HKEY_CURRENT_USER.reg",
-               Utf16Bytes(ReplaceAll(RegistryText("HKEY_CURRENT_USER", user), "\n", "\r\n")));
+  output.Write("machine/registry/HKEY_CURRENT_USER.reg", RegistryFile("HKEY_CURRENT_USER", user));
   for (const char* folder : {"C:\\Temp", "C:\\Windows\\System32", "C:\\Windows\\Fonts",
                              "C:\\Program Files\\Common Files", "C:\\Documents and Settings"}) {
     output.MakeFolder("machine/" + OnDrive(folder));

@@ -8,9 +8,8 @@
 
 namespace kw::sample {
 
-/// Registry-editor text (version 5.00, without its byte-order mark, LF line ends, UTF-8) of keys below one
-/// root.
-std::string RegistryText(const std::string& root, const std::vector<RegistryEntry>& entries);
+/// A registry-editor file of keys below one root, in UTF-16 with its mark.
+std::string RegistryFile(const std::string& root, const std::vector<RegistryEntry>& entries);
 
 /// Writes the machine on which the product is installed, below "machine/": `machine.ini`, `registry/`, and
 /// `drive_c/` with the installed files and the firewall's preferences.

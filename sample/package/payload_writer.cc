@@ -20,7 +20,7 @@ void WriteEngine(const std::string& archive, const std::string& library, Output&
   output.WriteText(folder + "SIGTERMS.TXT", "Terms of use of the virus definitions, engine 4.1.60\n");
 }
 
-std::string RegistryFile(const std::string& value) {
+std::string ExampleRegistryFile(const std::string& value) {
   return "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Example]\n\"Value\"=\"" + value +
          "\"\n\"Number\"=dword:0000002a\n\n";
 }
@@ -40,10 +40,10 @@ void WritePayloads(const std::string& programs, Output& output) {
   output.Copy(programs + "/tool.exe", loose + "tool.exe");
   output.WriteText(loose + "readme.txt", "An additional file that bears the name of one of the product's.\n");
   output.WriteText(loose + "notes.txt", "Notes for those who install the product.\n");
-  output.WriteText(loose + "extra.reg", RegistryFile("all systems"));
-  output.WriteText(loose + "nt.reg", RegistryFile("NT"));
-  output.WriteText(loose + "w2k.reg", RegistryFile("2000"));
-  output.WriteText(loose + "XP.REG", RegistryFile("XP"));
+  output.WriteText(loose + "extra.reg", ExampleRegistryFile("all systems"));
+  output.WriteText(loose + "nt.reg", ExampleRegistryFile("NT"));
+  output.WriteText(loose + "w2k.reg", ExampleRegistryFile("2000"));
+  output.WriteText(loose + "XP.REG", ExampleRegistryFile("XP"));
 
   // What the firewall's installers carry: a folder for each, packed behind the installer program.
   const std::string bulwark = "payloads/bulwark/";

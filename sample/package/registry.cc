@@ -5,6 +5,7 @@
 namespace kw::sample {
 namespace {
 
+constexpr uint32_t kNone = 0;
 constexpr uint32_t kText = 1;
 constexpr uint32_t kExpandText = 2;
 constexpr uint32_t kBytes = 3;
@@ -16,6 +17,12 @@ std::string Number(uint32_t value) {
   std::string bytes;
   for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>((value >> shift) & 0xFF);
   return bytes;
+}
+
+std::string ProgramExtensions() {
+  std::string text;
+  for (int i = 0; i < 90; ++i) text += "E" + std::to_string(100 + i) + " ";
+  return text;
 }
 
 /// Adds values to one key, a call each.
@@ -63,20 +70,7 @@ std::vector<RegistryEntry> LiveRegistry(Level level) {
       .Text("", "Kestrane Enterprise")
       .Text("szInstallDir", kInstallPath)
       .Text("szProductVer", level == Level::k700 ? "7.0.0.204" : "7.1.0.213")
-      .Add("szLogFolder", kExpandText, "%SystemRoot%\\Temp\\Kestrane")
-      .Add("Excluded Types", kTexts, std::string("BAK\0LOG\0TMP", 11))
-      .Add("Licence", kBytes, std::string("\x01\x00\xFE\x7F\x80\x0A\x0D\x22\x5C\xFF", 10))
-      .Add("qwInstalled", kLongNumber, Number(0x2B4C8000) + Number(0x01C19225))
-      .Dword("bZEDIgnoreLocale", 0)
-      .Dword("bShowIcon", 1)
-      .Dword("bShowSplash", 0)
-      .Dword("bPasswordForAll", 0)
-      // Longer than the buffers of those who compare: it is always kept.
-      .Text("szExtensions", [] {
-        std::string text;
-        for (int i = 0; i < 90; ++i) text += "E" + std::to_string(100 + i) + " ";
-        return text;
-      }());
+      .Dword("bZEDIgnoreLocale", 0);
   KeyWriter(entries, version + "\\Alerts\\CurrentVersion")
       .Dword("bSendAlerts", 1)
       .Text("szServer", "ALERTS")
@@ -86,9 +80,11 @@ std::vector<RegistryEntry> LiveRegistry(Level level) {
       .Text("Recipient0", "administrator@orvantic.example")
       .Text("Recipient1", "Jürgen Groß");
   KeyWriter(entries, version + "\\UI")
-      .Dword("bShowStatus", 1)
-      .Dword("bAllowStop", 0)
-      .Text("szTitle", "Kestrane");
+      .Dword("bShowIcon", 1)
+      .Dword("bShowSplash", 0)
+      .Dword("bPasswordForAll", 0)
+      .Text("szTitle", "Kestrane")
+      .Add("qwInstalled", kLongNumber, Number(0x2B4C8000) + Number(0x01C19225));
   AddTask(entries, version + "\\DefaultTask", "New Scan", 1, false, false);
   const std::string tasks = version + "\\Tasks\\";
   AddTask(entries, tasks + "{818C7543-358A-4C84-899A-14334EMS4BGS}", "Scan All Fixed Disks", 1, true, false);
@@ -97,14 +93,20 @@ std::vector<RegistryEntry> LiveRegistry(Level level) {
   AddTask(entries, tasks + "{2D8E1B70-5F0C-4E0A-9C51-7B1E5A0D0004}", "Weekly Scan", 0, true, false);
   AddTask(entries, tasks + "{2D8E1B70-5F0C-4E0A-9C51-7B1E5A0D0005}", "", 1, false, false);
 
+  // Between them the two keys hold every kind of value.
   KeyWriter(entries, shared + "\\On Access Scanner\\TxGuard")
       .Dword("bScanIncoming", 1)
       .Dword("bScanOutgoing", 1)
-      .Text("szMoveToFolder", "\\Infected");
+      .Text("szMoveToFolder", "\\Infected")
+      .Add("szLogFolder", kExpandText, "%SystemRoot%\\Temp\\Kestrane")
+      .Add("Excluded Types", kTexts, std::string("BAK\0LOG\0TMP", 11))
+      .Add("Marker", kNone, "");
   KeyWriter(entries, shared + "\\On Access Scanner\\TxGuard\\Configuration")
+      .Text("", "Kestrane guard")
       .Dword("dwAction", 2)
-      .Text("szProgExts", "EXE COM DLL VBS")
-      .Add("Schedule", kBytes, std::string("\x00\x17\x3B\x00\x01", 5));
+      .Add("Schedule", kBytes, std::string("\x00\x17\x3B\x00\x01\xFE\x7F\x80\x22\x5C", 10))
+      // Longer than the buffers of those who compare: it is always kept.
+      .Text("szProgExts", ProgramExtensions());
   KeyWriter(entries, shared + "\\On Delivery Scanner")
       .Dword("bScanAttachments", 1)
       .Text("szReplyText", "Removed.");

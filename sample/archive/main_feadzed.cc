@@ -1,0 +1,22 @@
+// FEADZED: packs a folder into one self-extracting SETUP.EXE.
+
+#include <filesystem>
+
+#include "base/storage.h"
+#include "sample/archive/repacker.h"
+#include "sample/settings/answers.h"
+#include "tools/program.h"
+
+int main(int argc, char** argv) {
+  const kw::tools::ProgramStart start = kw::tools::ReadProgramStart(argc, argv, "FEADZED");
+  if (kw::sample::MustFail("FEADZED")) {
+    return kw::tools::EndProgram("FEADZED",
+                                 kw::Result<std::string>(kw::kErrorFunctionFailed, "Asked to fail."));
+  }
+  std::error_code error;
+  const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+  const kw::Status status =
+      kw::sample::RunOptimizer(kw::SystemStorage(), start.paths, start.arguments,
+                               (self.parent_path() / "Repacker.stub").string(), start.code_page);
+  return kw::tools::EndProgram("FEADZED", status.ok() ? kw::Result<std::string>("") : status.error());
+}

@@ -1,0 +1,34 @@
+#include "sample/libraries/library_calls.h"
+
+#include "base/machine_config.h"
+#include "base/text.h"
+#include "platform/embedded/library_abi.h"
+
+namespace kw::sample {
+namespace {
+
+int g_raised = 0;
+
+}  // namespace
+
+CallContext::CallContext() : code_page(MachineCodePage(paths.root())) {}
+
+platform::embedded::EmbeddedRegistry CallContext::Registry() const {
+  return platform::embedded::EmbeddedRegistry(paths.root(), code_page);
+}
+
+std::string CallContext::Wide(const char16_t* text) { return text != nullptr ? Utf16ToUtf8(text) : ""; }
+
+std::string CallContext::Narrow(const char* text) const {
+  return text != nullptr ? CodePageToUtf8(text, code_page) : "";
+}
+
+std::string CallContext::HostOf(const char16_t* path) const { return paths.HostPath(Wide(path)); }
+
+std::string CallContext::HostOf(const char* path) const { return paths.HostPath(Narrow(path)); }
+
+void SetRaised(int number) { g_raised = number; }
+
+}  // namespace kw::sample
+
+int LastCallRaised(void) { return kw::sample::g_raised; }

@@ -1,0 +1,84 @@
+// zedutil: the stand-in for the maker's library of registry, cipher and rights helpers.
+
+#include "base/machine_config.h"
+#include "platform/embedded/library_abi.h"
+#include "sample/libraries/cipher.h"
+#include "sample/libraries/library_calls.h"
+#include "sample/libraries/settings_export.h"
+#include "sample/settings/answers.h"
+#include "sample/settings/registry_trees.h"
+
+namespace {
+
+using kw::platform::Hive;
+using kw::sample::CallContext;
+
+bool HiveOf(uintptr_t root, Hive& hive) {
+  hive = root == KITWRIGHT_HKEY_LOCAL_MACHINE ? Hive::kLocalMachine : Hive::kCurrentUser;
+  return root == KITWRIGHT_HKEY_LOCAL_MACHINE || root == KITWRIGHT_HKEY_CURRENT_USER;
+}
+
+int DeleteEmpty(uintptr_t root, const char16_t* subkey, bool subkeys) {
+  Hive hive;
+  if (!HiveOf(root, hive)) return 0;
+  auto registry = CallContext().Registry();
+  return kw::sample::DeleteEmptyKey(registry, hive, CallContext::Wide(subkey), subkeys) ? 1 : 0;
+}
+
+}  // namespace
+
+int IsAdmin(void) {
+  const CallContext call;
+  const auto ini = kw::ReadWholeFile(kw::SystemStorage(), call.paths.root() + "/machine.ini");
+  // A machine that says nothing has a user with rights.
+  return ini.ok() && kw::IniValue(*ini, "machine", "admin") == "0" ? 0 : 1;
+}
+
+int REG_SHDeleteKey(uintptr_t root, const char16_t* subkey) {
+  Hive hive;
+  if (!HiveOf(root, hive)) return kw::kErrorInvalidHandle;
+  auto registry = CallContext().Registry();
+  return kw::sample::DeleteRegistryTree(registry, hive, CallContext::Wide(subkey)).number();
+}
+
+int REG_SHDeleteEmptyKey(uintptr_t root, const char16_t* subkey) { return DeleteEmpty(root, subkey, false); }
+
+int REG_SHDeleteEmptyKeyEx(uintptr_t root, const char16_t* subkey) { return DeleteEmpty(root, subkey, true); }
+
+int REG_SHCopyKey(uintptr_t root, const char16_t* subkey, const void* open_destination_key, int) {
+  const auto* destination = static_cast<const KitwrightOpenKey*>(open_destination_key);
+  Hive from;
+  Hive to;
+  if (destination == nullptr || !HiveOf(root, from) || !HiveOf(destination->root, to))
+    return kw::kErrorInvalidHandle;
+  auto registry = CallContext().Registry();
+  return kw::sample::CopyRegistryTree(registry, from, CallContext::Wide(subkey), to,
+                                      CallContext::Wide(destination->path))
+      .number();
+}
+
+int ConvertRegFile(const char16_t* path, int) {
+  const CallContext call;
+  return kw::sample::ConvertSettingsExport(kw::SystemStorage(), call.HostOf(path), call.code_page).ok() ? 1
+                                                                                                        : 0;
+}
+
+int EncryptDecrypt(int encrypt, int file, int length, const void* input, void* output) {
+  if (kw::sample::MustFail("EncryptDecrypt") || input == nullptr || output == nullptr) return 0;
+  const CallContext call;
+  if (file != 0) {
+    const std::string source = call.HostOf(static_cast<const char16_t*>(input));
+    const std::string target = call.HostOf(static_cast<const char16_t*>(output));
+    kw::Storage& storage = kw::SystemStorage();
+    return (encrypt != 0 ? kw::sample::EncipherFile(storage, source, target)
+                         : kw::sample::DecipherFile(storage, source, target))
+                   .ok()
+               ? 1
+               : 0;
+  }
+  if (length < 0) return 0;
+  const std::string text(static_cast<const char*>(input), static_cast<size_t>(length));
+  const std::string result = kw::sample::CipherText(text, call.code_page, encrypt != 0);
+  result.copy(static_cast<char*>(output), result.size());
+  return 1;
+}

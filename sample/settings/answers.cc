@@ -1,0 +1,41 @@
+#include "sample/settings/answers.h"
+
+#include <cstdlib>
+#include <string>
+
+#include "base/text.h"
+
+namespace kw::sample {
+namespace {
+
+std::string Environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+}  // namespace
+
+Answer AnswerNamed(std::string_view text, bool has_display) {
+  if (text == "change") return Answer::kChange;
+  if (text == "cancel") return Answer::kCancel;
+  if (text == "fail") return Answer::kFail;
+  if (text == "fail-saved") return Answer::kFailSaved;
+  if (text == "raise") return Answer::kRaise;
+  return has_display ? Answer::kDialog : Answer::kCancel;
+}
+
+Answer AnswerOfThisProcess() {
+  const bool has_display = !Environment("DISPLAY").empty() || !Environment("WAYLAND_DISPLAY").empty();
+  return AnswerNamed(Environment("SAMPLE_TOOL_ANSWER"), has_display);
+}
+
+bool ListNames(std::string_view list, std::string_view stand_in) {
+  for (const std::string& name : Split(list, ',')) {
+    if (EqualsNoCase(TrimBlanks(name), stand_in)) return true;
+  }
+  return false;
+}
+
+bool MustFail(std::string_view stand_in) { return ListNames(Environment("SAMPLE_FAIL"), stand_in); }
+
+}  // namespace kw::sample
