@@ -58,7 +58,7 @@ class CompoundFile {
   static Result<std::unique_ptr<CompoundFile>> Open(std::unique_ptr<StorageFile> file);
   /// An empty compound file of 512-byte sectors on an empty `file`; nothing is written before the first
   /// Commit.
-  static std::unique_ptr<CompoundFile> Create(std::unique_ptr<StorageFile> file);
+  static std::unique_ptr<CompoundFile> Create(std::unique_ptr<StorageFile> file, int sector_shift = 9);
   ~CompoundFile();
 
   /// The root entry; its children are the streams and storages of the top level.
@@ -77,6 +77,8 @@ class CompoundFile {
   /// sectors at once, so that they are never held in memory. Fails before anything is written when the file
   /// would pass 2 GiB.
   Result<std::shared_ptr<CfStream>> Write(uint64_t size, const Source& source);
+  /// The same in memory alone, for streams that never go to the file.
+  Result<std::shared_ptr<CfStream>> Hold(uint64_t size, const Source& source);
   /// A stream of these bytes without a name yet.
   Result<std::shared_ptr<CfStream>> WriteBytes(std::string_view bytes);
   /// Makes `stream` the content of the top-level entry `name`, in place of what it held.

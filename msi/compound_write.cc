@@ -15,10 +15,21 @@ using namespace layout;
 
 constexpr size_t kCopyBuffer = 256 * 1024;
 
+Status Fill(const CompoundFile::Source& source, std::span<std::byte> buffer) {
+  size_t done = 0;
+  while (done < buffer.size()) {
+    KW_ASSIGN_OR_RETURN(const size_t got, source(buffer.subspan(done)));
+    if (got == 0) return {kErrorIo, "A stream ended before its size was reached."};
+    done += got;
+  }
+  return {};
+}
+
 }  // namespace
 
-std::unique_ptr<CompoundFile> CompoundFile::Create(std::unique_ptr<StorageFile> file) {
+std::unique_ptr<CompoundFile> CompoundFile::Create(std::unique_ptr<StorageFile> file, int sector_shift) {
   std::unique_ptr<CompoundFile> compound(new CompoundFile(std::move(file)));
+  compound->shift_ = sector_shift;
   compound->root_.name = u"Root Entry";
   compound->root_.type = kRootEntry;
   compound->dirty_ = true;
@@ -26,11 +37,11 @@ std::unique_ptr<CompoundFile> CompoundFile::Create(std::unique_ptr<StorageFile> 
 }
 
 CompoundFile::~CompoundFile() {
-  if (header_.empty() || broken_) return;
+  if (!dirty_ || header_.empty() || broken_) return;
   // Streams that were brought in but never committed leave nothing behind.
   while (!fat_.empty() && (available_[fat_.size() - 1] || fresh_[fat_.size() - 1])) fat_.pop_back();
   const uint64_t end = SectorOffset(static_cast<uint32_t>(fat_.size()));
-  if (dirty_ && end < written_end_) file_->Truncate(end).IgnoreError();  // only tidies up
+  if (end < written_end_) file_->Truncate(end).IgnoreError();  // only tidies up
 }
 
 void CompoundFile::SetRootClass(const std::array<char, 16>& class_id) {
@@ -144,30 +155,25 @@ Result<std::shared_ptr<CfStream>> CompoundFile::WriteBytes(std::string_view byte
   });
 }
 
+Result<std::shared_ptr<CfStream>> CompoundFile::Hold(uint64_t size, const Source& source) {
+  auto stream = std::make_shared<CfStream>();
+  stream->size_ = size;
+  stream->bytes_.resize(static_cast<size_t>(size));
+  KW_RETURN_IF_ERROR(Fill(source, std::as_writable_bytes(std::span(stream->bytes_))));
+  return stream;
+}
+
 Result<std::shared_ptr<CfStream>> CompoundFile::Write(uint64_t size, const Source& source) {
   auto stream = std::make_shared<CfStream>();
-  const auto fill = [&](std::span<std::byte> buffer) -> Status {
-    size_t done = 0;
-    while (done < buffer.size()) {
-      KW_ASSIGN_OR_RETURN(const size_t got, source(buffer.subspan(done)));
-      if (got == 0) return {kErrorIo, "A stream ended before its size was reached."};
-      done += got;
-    }
-    return {};
-  };
   KW_RETURN_IF_ERROR(CheckRoom(size));
+  if (size < kMiniCutoff) return Hold(size, source);
   stream->size_ = size;
-  if (size < kMiniCutoff) {
-    stream->bytes_.resize(static_cast<size_t>(size));
-    KW_RETURN_IF_ERROR(fill(std::as_writable_bytes(std::span(stream->bytes_))));
-    return stream;
-  }
   stream->place_ = CfStream::Place::kSectors;
   std::string buffer(kCopyBuffer, '\0');
   const Status status = [&]() -> Status {
     for (uint64_t done = 0; done < size;) {
       const size_t length = static_cast<size_t>(std::min<uint64_t>(buffer.size(), size - done));
-      KW_RETURN_IF_ERROR(fill(std::as_writable_bytes(std::span(buffer.data(), length))));
+      KW_RETURN_IF_ERROR(Fill(source, std::as_writable_bytes(std::span(buffer.data(), length))));
       std::memset(buffer.data() + length, 0, buffer.size() - length);
       const size_t sectors = (length + SectorSize() - 1) >> shift_;
       std::vector<uint32_t>& chain = stream->chain_;

@@ -57,14 +57,15 @@ Result<Cell> CellFor(const Table& table, const Column& column, const Value& valu
   return CellOfInteger(number);
 }
 
-Result<std::shared_ptr<CfStream>> CopyStream(Core& core, StreamField& field) {
+Result<std::shared_ptr<CfStream>> CopyStream(Core& core, StreamField& field, bool temporary) {
   KW_ASSIGN_OR_RETURN(const uint64_t size, field.Size());
   uint64_t at = 0;
-  return core.file().Write(size, [&](std::span<std::byte> buffer) -> Result<size_t> {
+  const auto source = [&](std::span<std::byte> buffer) -> Result<size_t> {
     KW_ASSIGN_OR_RETURN(const size_t got, field.ReadAt(at, buffer));
     at += got;
     return got;
-  });
+  };
+  return temporary ? core.file().Hold(size, source) : core.file().Write(size, source);
 }
 
 Status CheckTable(Core& core, const Table& table, bool temporary) {
@@ -133,7 +134,9 @@ Status InsertInto(Core& core, Table& table, const std::vector<Assignment>& value
     if (!table.columns()[i].is_stream() || cells[i] == kNullCell) continue;
     status = core.StreamName(table, cells).status();
     if (!status.ok()) break;
-    Result<std::shared_ptr<CfStream>> stream = CopyStream(core, *by_column[i]->stream);
+    Result<std::shared_ptr<CfStream>> stream =
+        CopyStream(core, *by_column[i]->stream,
+                   !table.streams && (temporary || table.temporary || table.columns()[i].is_temporary()));
     status = stream.status();
     if (stream.ok()) streams[static_cast<int>(i)] = *std::move(stream);
   }
@@ -161,7 +164,8 @@ Status UpdateRows(Core& core, Table& table, const std::vector<Assignment>& value
       continue;
     for (const Table::Row row : rows) {
       if (SameStream(core, table, row, change.column, *change.value)) continue;
-      Result<std::shared_ptr<CfStream>> stream = CopyStream(core, *change.value->stream);
+      Result<std::shared_ptr<CfStream>> stream =
+          CopyStream(core, *change.value->stream, !table.streams && table.TemporaryCell(row, change.column));
       if (!stream.ok()) {
         for (NewStream& made : streams) core.file().Discard(std::move(made.stream));
         return stream.status();

@@ -1,0 +1,227 @@
+#include <algorithm>
+#include <random>
+
+#include "base/testing/faulty_storage.h"
+#include "msi/test_support.h"
+
+namespace kw::msi {
+namespace {
+
+using testing::FaultyStorage;
+
+Value FileValue(Storage& storage, const std::string& path) {
+  return Value::Stream(std::make_shared<StreamField>(storage, path));
+}
+
+class FaultTest : public DatabaseTest {
+ protected:
+  void SetUp() override {
+    DatabaseTest::SetUp();
+    MakePackage();
+    storage.Content("small") = std::string(700, 's');
+    storage.Content("large") = std::string(30000, 'l');
+    storage.Content("other") = std::string(20000, 'o');
+    for (int i = 0; i < 120; ++i) {
+      const std::string n = std::to_string(i);
+      KW_EXPECT_OK(RunSql(*db, "insert into `Property` (`Property`, `Value`) values (?, ?)",
+                          {T("P" + n), T("value " + n)}));
+    }
+    KW_EXPECT_OK(RunSql(*db, "insert into `Binary` (`Name`, `Data`) values ('small', ?)",
+                        {FileValue(storage, "small")}));
+    KW_EXPECT_OK(RunSql(*db, "insert into `Cabs` (`Name`, `Data`) values ('large', ?)",
+                        {FileValue(storage, "large")}));
+    KW_EXPECT_OK(db->Commit());
+    db.reset();
+    original = storage.Content("a.msi");
+  }
+
+  // What the program does to a package, in short.
+  Status Change(Database& database, Storage& from) {
+    KW_RETURN_IF_ERROR(RunSql(database, "update `Property` set `Value` = 'changed' where `Property` = 'P7'"));
+    KW_RETURN_IF_ERROR(RunSql(database, "delete from `Property` where `Property` = 'P8'"));
+    KW_RETURN_IF_ERROR(RunSql(database, "delete from `Cabs`"));
+    KW_RETURN_IF_ERROR(RunSql(database, "insert into `Cabs` (`Name`, `Data`) values ('new', ?)",
+                              {FileValue(from, "other")}));
+    KW_RETURN_IF_ERROR(RunSql(database, "delete from `Binary`"));
+    return database.Commit();
+  }
+
+  std::string DumpOf(const std::string& path) {
+    return Dump(*Get(Database::Open(storage, path, OpenMode::kReadOnly)));
+  }
+
+  std::string original;
+};
+
+TEST_F(FaultTest, ACommitThatFailsAnywhereLeavesTheOldOrTheNewDatabase) {
+  FaultyStorage faulty(storage);
+  storage.Content("a.msi") = original;
+  const std::string old_dump = DumpOf("a.msi");
+  {
+    const auto database = Get(Database::Open(storage, "a.msi", OpenMode::kTransact));
+    KW_EXPECT_OK(Change(*database, storage));
+  }
+  const std::string new_dump = DumpOf("a.msi");
+  ASSERT_NE(old_dump, new_dump);
+  int tried = 0;
+  for (const auto fault :
+       {FaultyStorage::Fault::kFail, FaultyStorage::Fault::kShortWrite, FaultyStorage::Fault::kKill}) {
+    for (const bool forever : {false, true}) {
+      for (int call = 1; call < 500; ++call) {
+        storage.Content("a.msi") = original;
+        faulty.Arm(fault, call, kErrorDiskFull, forever);
+        Status status;
+        {
+          auto database = Database::Open(faulty, "a.msi", OpenMode::kTransact);
+          status = database.ok() ? Change(**database, storage) : database.status();
+        }
+        const int calls = faulty.calls();
+        faulty.Disarm();
+        const std::string dump = DumpOf("a.msi");
+        EXPECT_TRUE(dump == old_dump || dump == new_dump) << "call " << call;
+        if (status.ok()) {
+          EXPECT_EQ(dump, new_dump) << "success was claimed wrongly at call " << call;
+        }
+        ++tried;
+        if (calls < call) break;
+      }
+    }
+  }
+  EXPECT_GT(tried, 60);
+}
+
+TEST_F(FaultTest, ACommitCanBeTriedAgainAfterAFailure) {
+  FaultyStorage faulty(storage);
+  for (int call = 1; call < 60; ++call) {
+    storage.Content("a.msi") = original;
+    faulty.Disarm();
+    auto database = Get(Database::Open(faulty, "a.msi", OpenMode::kTransact));
+    faulty.Arm(FaultyStorage::Fault::kShortWrite, call, kErrorDiskFull, false);
+    KW_EXPECT_OK(RunSql(*database, "update `Property` set `Value` = 'changed' where `Property` = 'P7'"));
+    KW_EXPECT_OK(RunSql(*database, "delete from `Cabs`"));
+    const bool failed = !database->Commit().ok();
+    faulty.Disarm();
+    KW_EXPECT_OK(RunSql(*database, "delete from `Property` where `Property` = 'P9'"));
+    KW_EXPECT_OK(database->Commit());
+    const std::string wanted = Dump(*database);
+    database.reset();
+    EXPECT_EQ(DumpOf("a.msi"), wanted) << call;
+    if (!failed) break;
+  }
+}
+
+TEST_F(FaultTest, DirectModeShowsEachStatementAndKeepsTheFileWhole) {
+  storage.Content("a.msi") = original;
+  const auto direct = Get(Database::Open(storage, "a.msi", OpenMode::kDirect));
+  for (int i = 0; i < 40; ++i) {
+    KW_EXPECT_OK(RunSql(*direct,
+                        "update `Property` set `Value` = ? where `Property` = 'P" + std::to_string(i) + "'",
+                        {T("direct " + std::to_string(i))}));
+    if (i % 10 == 3) {
+      KW_EXPECT_OK(RunSql(*direct, "insert into `Binary` (`Name`, `Data`) values (?, ?)",
+                          {T("b" + std::to_string(i)), FileValue(storage, i % 20 == 3 ? "small" : "large")}));
+    }
+    storage.Content("copy.msi") = storage.Content("a.msi");
+    EXPECT_EQ(DumpOf("copy.msi"), Dump(*direct)) << i;
+  }
+  EXPECT_LT(storage.Content("a.msi").size(), original.size() + 130000);
+}
+
+TEST_F(FaultTest, ADirectStatementKilledAnywhereLeavesTheOldOrTheNewDatabase) {
+  FaultyStorage faulty(storage);
+  storage.Content("a.msi") = original;
+  const std::string old_dump = DumpOf("a.msi");
+  const auto change = [&](Storage& through) -> Status {
+    KW_ASSIGN_OR_RETURN(const auto database, Database::Open(through, "a.msi", OpenMode::kDirect));
+    return RunSql(*database, "update `Property` set `Value` = 'now' where `Property` = 'P7'");
+  };
+  KW_EXPECT_OK(change(storage));
+  const std::string new_dump = DumpOf("a.msi");
+  for (int call = 1; call < 100; ++call) {
+    storage.Content("a.msi") = original;
+    faulty.Arm(FaultyStorage::Fault::kKill, call, kErrorIo, true);
+    const Status status = change(faulty);
+    const int calls = faulty.calls();
+    faulty.Disarm();
+    const std::string dump = DumpOf("a.msi");
+    EXPECT_TRUE(dump == (status.ok() ? new_dump : old_dump) || (!status.ok() && dump == new_dump)) << call;
+    if (calls < call) return;
+  }
+  FAIL() << "the statement never came to its end";
+}
+
+TEST_F(FaultTest, AFileCutAnywhereIsRefused) {
+  // The last sector's padding may go without loss; everything before matters.
+  int refused = 0;
+  for (int i = 0; i < 200; ++i) {
+    const size_t length = (original.size() - 512) * static_cast<size_t>(i) / 200;
+    storage.Content("cut.msi") = original.substr(0, length);
+    const auto database = Database::Open(storage, "cut.msi", OpenMode::kReadOnly);
+    EXPECT_FALSE(database.ok()) << length;
+    if (!database.ok()) {
+      EXPECT_EQ(database.number(), kErrorInstallPackageInvalid);
+      ++refused;
+    }
+  }
+  EXPECT_EQ(refused, 200);
+}
+
+TEST_F(FaultTest, AMutatedFileIsReadOrRefusedButNeverMore) {
+  std::mt19937 random(20020704);
+  int opened = 0;
+  for (int i = 0; i < 3000; ++i) {
+    std::string& file = storage.Content("bad.msi");
+    file = original;
+    const int changes = 1 + static_cast<int>(random() % 4);
+    for (int k = 0; k < changes; ++k) {
+      // Half of the changes go to where the structure is.
+      const size_t at = random() % (random() % 2 ? file.size() : std::min<size_t>(file.size(), 512));
+      file[at] = static_cast<char>(random());
+    }
+    auto database = Database::Open(storage, "bad.msi", OpenMode::kTransact);
+    if (!database.ok()) continue;
+    ++opened;
+    try {
+      Dump(**database);
+    } catch (const std::runtime_error&) {
+      // A stream that lies outside the file is found when it is read.
+    }
+    RunSql(**database, "update `Property` set `Value` = 'x'").IgnoreError();
+    RunSql(**database, "delete from `Cabs`").IgnoreError();
+    const Status committed = (*database)->Commit();
+    database = Error{kErrorIo, "closed"};
+    if (committed.ok()) {
+      EXPECT_TRUE(Database::Open(storage, "bad.msi", OpenMode::kReadOnly).ok()) << i;
+    }
+  }
+  EXPECT_GT(opened, 100);
+}
+
+TEST_F(FaultTest, OpeningIsRefusedWhereItCannotWork) {
+  EXPECT_EQ(Database::Open(storage, "missing.msi", OpenMode::kReadOnly).number(), kErrorFileNotFound);
+  storage.Content("empty.msi") = "";
+  EXPECT_EQ(Database::Open(storage, "empty.msi", OpenMode::kDirect).number(), kErrorInstallPackageInvalid);
+  storage.Content("text.msi") = std::string(5000, 'x');
+  EXPECT_EQ(Database::Open(storage, "text.msi", OpenMode::kDirect).number(), kErrorInstallPackageInvalid);
+  storage.Content("ro.msi") = original;
+  storage.read_only.insert("ro.msi");
+  EXPECT_EQ(Database::Open(storage, "ro.msi", OpenMode::kDirect).number(), kErrorAccessDenied);
+  EXPECT_TRUE(Database::Open(storage, "ro.msi", OpenMode::kReadOnly).ok());
+  storage.Content("a.msi") = original;
+  const auto first = Get(Database::Open(storage, "a.msi", OpenMode::kDirect));
+  EXPECT_EQ(Database::Open(storage, "a.msi", OpenMode::kTransact).number(), kErrorSharingViolation);
+  EXPECT_TRUE(Database::Open(storage, "a.msi", OpenMode::kReadOnly).ok());
+}
+
+TEST_F(FaultTest, OpenAndCommitWithoutAChangeLeavesEveryByte) {
+  for (const OpenMode mode : {OpenMode::kTransact, OpenMode::kDirect}) {
+    storage.Content("a.msi") = original;
+    const auto database = Get(Database::Open(storage, "a.msi", mode));
+    Dump(*database);
+    KW_EXPECT_OK(database->Commit());
+    EXPECT_EQ(storage.Content("a.msi"), original);
+  }
+}
+
+}  // namespace
+}  // namespace kw::msi
