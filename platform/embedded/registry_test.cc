@@ -6,11 +6,11 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "base/text.h"
 #include "formats/utf16_bytes.h"
+#include "platform/embedded/temp_machine.h"
 #include "platform/testing/registry_contract.h"
 
 namespace kw::platform::embedded {
@@ -18,29 +18,13 @@ namespace {
 
 using testing::DumpRegistry;
 
-class TempRoot {
+class TempRoot : public TempMachine {
  public:
-  TempRoot() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "kwregXXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
+  std::string File(const std::string& name) const { return root() + "/registry/" + name; }
+  std::string Bytes(const std::string& name) const {
+    return ReadWholeFile(SystemStorage(), File(name)).value_or("(no such file)");
   }
-  ~TempRoot() { std::filesystem::remove_all(path_); }
-  TempRoot(const TempRoot&) = delete;
-  TempRoot& operator=(const TempRoot&) = delete;
-  const std::string& path() const { return path_; }
-  std::string File(const std::string& name) const { return path_ + "/registry/" + name; }
-  std::string Text(const std::string& name) const {
-    const auto bytes = ReadWholeFile(SystemStorage(), File(name));
-    if (!bytes.ok()) return "(no such file)";
-    return formats::Utf16LeBytesToUtf8(*bytes);
-  }
-  void Write(const std::string& name, const std::string& bytes) const {
-    std::filesystem::create_directories(path_ + "/registry");
-    std::ofstream(File(name), std::ios::binary) << bytes;
-  }
-
- private:
-  std::string path_;
+  void Write(const std::string& name, const std::string& bytes) const { Put("registry/" + name, bytes); }
 };
 
 class EmbeddedUnderTest : public testing::RegistryUnderTest {
@@ -49,7 +33,7 @@ class EmbeddedUnderTest : public testing::RegistryUnderTest {
 
  private:
   TempRoot root_;
-  EmbeddedRegistry registry_{root_.path(), 1252};
+  EmbeddedRegistry registry_{root_.root(), 1252};
 };
 
 }  // namespace
@@ -90,11 +74,11 @@ pid_t Fork(Work work) {
 TEST(EmbeddedRegistry, AtRestAHiveIsOnePlainRegistryEditorFile) {
   const TempRoot root;
   {
-    EmbeddedRegistry registry(root.path(), 1252);
+    EmbeddedRegistry registry(root.root(), 1252);
     SetDword(registry, Hive::kCurrentUser, "Software\\B", "n", 10);
     SetDword(registry, Hive::kCurrentUser, "Software\\A", "", 1);
   }
-  EXPECT_EQ(root.Text("HKEY_CURRENT_USER.reg"),
+  EXPECT_EQ(formats::Utf16LeBytesToUtf8(root.Bytes("HKEY_CURRENT_USER.reg")),
             "\xEF\xBB\xBFWindows Registry Editor Version 5.00\r\n"
             "\r\n[HKEY_CURRENT_USER]\r\n\r\n[HKEY_CURRENT_USER\\Software]\r\n"
             "\r\n[HKEY_CURRENT_USER\\Software\\A]\r\n@=dword:00000001\r\n"
@@ -109,7 +93,7 @@ TEST(EmbeddedRegistry, AHiveThatIsOnlyReadKeepsItsBytes) {
       "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\X]\n\"v\"=\"\xC3\xA4\"\n";
   root.Write("HKEY_LOCAL_MACHINE.reg", bytes);
   {
-    EmbeddedRegistry registry(root.path(), 1252);
+    EmbeddedRegistry registry(root.root(), 1252);
     const auto key = registry.OpenKey(Hive::kLocalMachine, "SOFTWARE\\X", kKeyQuery);
     ASSERT_TRUE(key.ok());
     EXPECT_EQ((*key)->QueryValue("v", 255)->Text(), "\xC3\xA4");
@@ -117,35 +101,35 @@ TEST(EmbeddedRegistry, AHiveThatIsOnlyReadKeepsItsBytes) {
     EXPECT_TRUE((*again)->SetValue("V", RegistryValue::OfText("\xC3\xA4")).ok());
     SetDword(registry, Hive::kCurrentUser, "Software", "n", 1);
   }
-  EXPECT_EQ(ReadWholeFile(SystemStorage(), root.File("HKEY_LOCAL_MACHINE.reg")).value_or(""), bytes);
+  EXPECT_EQ(root.Bytes("HKEY_LOCAL_MACHINE.reg"), bytes);
 }
 
 TEST(EmbeddedRegistry, LookingAtAMachineWithoutARegistryMakesNothing) {
   const TempRoot root;
   {
-    EmbeddedRegistry registry(root.path(), 1252);
+    EmbeddedRegistry registry(root.root(), 1252);
     EXPECT_EQ(registry.OpenKey(Hive::kCurrentUser, "Software", kKeyQuery).number(), kErrorFileNotFound);
     EXPECT_TRUE(registry.OpenKey(Hive::kCurrentUser, "", kKeyQuery).ok());
   }
-  EXPECT_FALSE(std::filesystem::exists(root.path() + "/registry"));
+  EXPECT_FALSE(std::filesystem::exists(root.root() + "/registry"));
 }
 
 TEST(EmbeddedRegistry, ADamagedHiveIsReportedAndNeverReplaced) {
   const TempRoot root;
   root.Write("HKEY_CURRENT_USER.reg", "no registry");
   {
-    EmbeddedRegistry registry(root.path(), 1252);
+    EmbeddedRegistry registry(root.root(), 1252);
     const auto key = registry.CreateKey(Hive::kCurrentUser, "Software", kKeyAll);
     EXPECT_EQ(key.number(), kErrorInvalidData);
     EXPECT_NE(key.error().message.find("HKEY_CURRENT_USER.reg"), std::string::npos);
   }
-  EXPECT_EQ(ReadWholeFile(SystemStorage(), root.File("HKEY_CURRENT_USER.reg")).value_or(""), "no registry");
+  EXPECT_EQ(root.Bytes("HKEY_CURRENT_USER.reg"), "no registry");
 }
 
 TEST(EmbeddedRegistry, OthersSeeAChangeAtOnceAndThroughOpenHandles) {
   const TempRoot root;
-  EmbeddedRegistry one(root.path(), 1252);
-  EmbeddedRegistry two(root.path(), 1252);
+  EmbeddedRegistry one(root.root(), 1252);
+  EmbeddedRegistry two(root.root(), 1252);
   SetDword(one, Hive::kCurrentUser, "Software\\X", "n", 1);
   const auto key = two.OpenKey(Hive::kCurrentUser, "Software\\X", kKeyReadWrite);
   ASSERT_TRUE(key.ok());
@@ -163,7 +147,7 @@ TEST(EmbeddedRegistry, OthersSeeAChangeAtOnceAndThroughOpenHandles) {
 
 TEST(EmbeddedRegistry, AFileReplacedFromOutsideIsReadAnew) {
   const TempRoot root;
-  EmbeddedRegistry registry(root.path(), 1252);
+  EmbeddedRegistry registry(root.root(), 1252);
   SetDword(registry, Hive::kCurrentUser, "X", "n", 1);
   ASSERT_TRUE(registry.Flush().ok());
   root.Write("HKEY_CURRENT_USER.reg", "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\X]\r\n\"n\"=dword:2\r\n");
@@ -173,10 +157,10 @@ TEST(EmbeddedRegistry, AFileReplacedFromOutsideIsReadAnew) {
 TEST(EmbeddedRegistry, OrderOfCreationOutlivesTheProcess) {
   const TempRoot root;
   for (const char* name : {"z", "a", "m"}) {
-    EmbeddedRegistry registry(root.path(), 1252);
+    EmbeddedRegistry registry(root.root(), 1252);
     SetDword(registry, Hive::kCurrentUser, "X", name, 1);
   }
-  EmbeddedRegistry registry(root.path(), 1252);
+  EmbeddedRegistry registry(root.root(), 1252);
   EXPECT_EQ(DumpRegistry(registry, Hive::kCurrentUser, "X"),
             (std::vector<std::string>{"[X]", "\"z\"=dword:00000001", "\"a\"=dword:00000001",
                                       "\"m\"=dword:00000001"}));
@@ -186,24 +170,24 @@ TEST(EmbeddedRegistry, ARecordCutOffByAKillDoesNotCount) {
   const TempRoot root;
   const std::string journal = root.File("HKEY_CURRENT_USER.journal");
   const pid_t pid = Fork([&] {
-    EmbeddedRegistry registry(root.path(), 1252);
+    EmbeddedRegistry registry(root.root(), 1252);
     SetDword(registry, Hive::kCurrentUser, "X", "first", 1);
     SetDword(registry, Hive::kCurrentUser, "X", "second", 2);
     ::_exit(0);  // without folding
   });
   ::waitpid(pid, nullptr, 0);
-  const std::string whole = ReadWholeFile(SystemStorage(), journal).value_or("");
+  const std::string whole = root.Bytes("HKEY_CURRENT_USER.journal");
   ASSERT_GT(whole.size(), 100u);
   for (size_t cut = 0; cut < whole.size(); cut += 3) {
     std::filesystem::resize_file(journal, cut);
     {
-      EmbeddedRegistry registry(root.path(), 1252);
+      EmbeddedRegistry registry(root.root(), 1252);
       const bool has_first = GetDword(registry, Hive::kCurrentUser, "X", "first") == 1;
       EXPECT_TRUE(has_first || GetDword(registry, Hive::kCurrentUser, "X", "second") == 0xFFFFFFFF);
       SetDword(registry, Hive::kCurrentUser, "X", "third", 3);
     }
     {
-      EmbeddedRegistry registry(root.path(), 1252);
+      EmbeddedRegistry registry(root.root(), 1252);
       EXPECT_EQ(GetDword(registry, Hive::kCurrentUser, "X", "third"), 3u) << cut;
     }
     std::filesystem::remove(root.File("HKEY_CURRENT_USER.reg"));
@@ -214,7 +198,7 @@ TEST(EmbeddedRegistry, ARecordCutOffByAKillDoesNotCount) {
 TEST(EmbeddedRegistry, AFoldThatDiedBeforeRemovingTheJournalDoesNoHarm) {
   const TempRoot root;
   ::waitpid(Fork([&] {
-              EmbeddedRegistry registry(root.path(), 1252);
+              EmbeddedRegistry registry(root.root(), 1252);
               SetDword(registry, Hive::kCurrentUser, "X", "a", 1);
               SetDword(registry, Hive::kCurrentUser, "X", "b", 2);
               (*registry.OpenKey(Hive::kCurrentUser, "X", kKeyAll))->DeleteValue("a").IgnoreError();
@@ -224,12 +208,11 @@ TEST(EmbeddedRegistry, AFoldThatDiedBeforeRemovingTheJournalDoesNoHarm) {
               ::_exit(0);
             }),
             nullptr, 0);
-  const std::string journal =
-      ReadWholeFile(SystemStorage(), root.File("HKEY_CURRENT_USER.journal")).value_or("");
+  const std::string journal = root.Bytes("HKEY_CURRENT_USER.journal");
   const std::vector<std::string> expected = {"[]", "[X]", "\"b\"=dword:00000002", "\"a\"=dword:00000003"};
   for (int round = 0; round < 3; ++round) {
     {
-      EmbeddedRegistry registry(root.path(), 1252);
+      EmbeddedRegistry registry(root.root(), 1252);
       EXPECT_EQ(DumpRegistry(registry, Hive::kCurrentUser, ""), expected);
       ASSERT_TRUE(registry.Flush().ok());
       EXPECT_FALSE(std::filesystem::exists(root.File("HKEY_CURRENT_USER.journal")));
@@ -245,7 +228,7 @@ TEST(EmbeddedRegistry, AKillAtAnyMomentLeavesWhatWasSetBefore) {
     int pipe_ends[2];
     ASSERT_EQ(::pipe(pipe_ends), 0);
     const pid_t pid = Fork([&] {
-      EmbeddedRegistry registry(root.path(), 1252);
+      EmbeddedRegistry registry(root.root(), 1252);
       for (uint32_t i = last + 1;; ++i) {
         SetDword(registry, Hive::kCurrentUser, "Software\\X", "n", i);
         SetDword(registry, Hive::kCurrentUser, "Software\\X", "pad " + std::to_string(i % 97), i);
@@ -261,7 +244,7 @@ TEST(EmbeddedRegistry, AKillAtAnyMomentLeavesWhatWasSetBefore) {
     uint32_t number = 0;
     while (::read(pipe_ends[0], &number, sizeof number) == sizeof number) told = number;
     ::close(pipe_ends[0]);
-    EmbeddedRegistry registry(root.path(), 1252);
+    EmbeddedRegistry registry(root.root(), 1252);
     const uint32_t kept = told == 0 ? 0 : GetDword(registry, Hive::kCurrentUser, "Software\\X", "n");
     ASSERT_GE(kept, told);
     ASSERT_LE(kept, told + 1);
@@ -278,7 +261,7 @@ TEST(EmbeddedRegistry, ConcurrentWritersLoseNothing) {
   for (uint32_t writer = 0; writer < kWriters; ++writer) {
     pids.push_back(Fork([&] {
       for (uint32_t part = 0; part < 3; ++part) {
-        EmbeddedRegistry registry(root.path(), 1252);
+        EmbeddedRegistry registry(root.root(), 1252);
         for (uint32_t i = part * kValues / 3; i < (part + 1) * kValues / 3; ++i) {
           SetDword(registry, Hive::kCurrentUser, "Shared", std::to_string(writer) + "." + std::to_string(i),
                    i);
@@ -293,7 +276,7 @@ TEST(EmbeddedRegistry, ConcurrentWritersLoseNothing) {
     EXPECT_EQ(status, 0);
   }
   EXPECT_FALSE(std::filesystem::exists(root.File("HKEY_CURRENT_USER.journal")));
-  EmbeddedRegistry registry(root.path(), 1252);
+  EmbeddedRegistry registry(root.root(), 1252);
   EXPECT_EQ((*registry.OpenKey(Hive::kCurrentUser, "Shared", kKeyQuery))->QueryInfo()->values,
             kWriters * kValues);
   for (uint32_t writer = 0; writer < kWriters; ++writer) {
@@ -303,7 +286,7 @@ TEST(EmbeddedRegistry, ConcurrentWritersLoseNothing) {
 
 TEST(EmbeddedRegistry, ALongJournalIsFoldedInOnTheWay) {
   const TempRoot root;
-  EmbeddedRegistry registry(root.path(), 1252);
+  EmbeddedRegistry registry(root.root(), 1252);
   const auto key = registry.CreateKey(Hive::kCurrentUser, "X", kKeyAll);
   for (int i = 0; i < 200; ++i) {
     RegistryValue value{kRegBinary, std::string(4000, static_cast<char>(i)), 0};
@@ -311,7 +294,7 @@ TEST(EmbeddedRegistry, ALongJournalIsFoldedInOnTheWay) {
   }
   EXPECT_LT(std::filesystem::file_size(root.File("HKEY_CURRENT_USER.journal")), 1100000u);
   EXPECT_TRUE(std::filesystem::exists(root.File("HKEY_CURRENT_USER.reg")));
-  EmbeddedRegistry other(root.path(), 1252);
+  EmbeddedRegistry other(root.root(), 1252);
   EXPECT_EQ((*other.OpenKey(Hive::kCurrentUser, "X", kKeyQuery))->QueryValue("v", 4000)->data,
             std::string(4000, static_cast<char>(199)));
 }

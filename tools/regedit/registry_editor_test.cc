@@ -6,11 +6,11 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #include "base/storage.h"
 #include "formats/utf16_bytes.h"
 #include "platform/embedded/registry.h"
+#include "platform/embedded/temp_machine.h"
 
 namespace kw::regedit {
 namespace {
@@ -23,21 +23,16 @@ using platform::embedded::EmbeddedRegistry;
 
 class RegistryEditor : public ::testing::Test {
  protected:
-  RegistryEditor() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "kwregeditXXXXXX").string();
-    root_ = ::mkdtemp(pattern.data());
-    std::filesystem::create_directories(root_ + "/drive_c/Temp Folder");
-  }
-  ~RegistryEditor() override { std::filesystem::remove_all(root_); }
+  RegistryEditor() { std::filesystem::create_directories(machine_.OnC("Temp Folder")); }
 
   Status Do(std::string_view line) {
     const auto command = ParseCommand(line);
     if (!command.ok()) return command.error();
     return regedit::Run(*command, MachinePaths(root_, "C:\\Temp Folder"), 1252);
   }
-  std::string Host(const std::string& name) const { return root_ + "/drive_c/Temp Folder/" + name; }
+  std::string Host(const std::string& name) const { return machine_.OnC("Temp Folder/" + name); }
   void Write(const std::string& name, const std::string& bytes) {
-    std::ofstream(Host(name), std::ios::binary) << bytes;
+    machine_.Put("drive_c/Temp Folder/" + name, bytes);
   }
   std::string Text(const std::string& name) {
     const auto bytes = ReadWholeFile(SystemStorage(), Host(name));
@@ -53,7 +48,8 @@ class RegistryEditor : public ::testing::Test {
     return key.ok() ? (*key)->QueryValue(name, kAnyRegistrySize).value_or(RegistryValue()) : RegistryValue();
   }
 
-  std::string root_;
+  platform::embedded::TempMachine machine_;
+  const std::string& root_ = machine_.root();
 };
 
 TEST_F(RegistryEditor, TheExportLineHasNoClosingQuoteBehindTheKey) {
@@ -113,14 +109,13 @@ TEST_F(RegistryEditor, FailuresAreReported) {
 TEST_F(RegistryEditor, TheProgramTakesItsCommandLineLetterForLetter) {
   Set("A b", "v", RegistryValue::OfDword(5));
   const std::string program = std::string(KITWRIGHT_BINARY_DIR) + "/bin/regedit";
-  ::setenv("KITWRIGHT_ROOT", root_.c_str(), 1);
   ::setenv("KITWRIGHT_CWD", "C:\\Temp Folder", 1);
   ::setenv("KITWRIGHT_COMMAND_LINE", "regedit /s /e \"a b.reg\" \"HKEY_CURRENT_USER\\A b", 1);
   EXPECT_EQ(std::system((program + " ignored").c_str()), 0);
   EXPECT_NE(Text("a b.reg").find("\"v\"=dword:00000005"), std::string::npos);
   ::setenv("KITWRIGHT_COMMAND_LINE", "regedit /s missing.reg", 1);
   EXPECT_EQ(WEXITSTATUS(std::system((program + " 2>&1").c_str())), 1);
-  for (const char* name : {"KITWRIGHT_ROOT", "KITWRIGHT_CWD", "KITWRIGHT_COMMAND_LINE"}) ::unsetenv(name);
+  ::unsetenv("KITWRIGHT_COMMAND_LINE");
 }
 
 }  // namespace

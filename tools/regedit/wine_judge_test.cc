@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 
 #include "base/storage.h"
 #include "base/text.h"
 #include "formats/reg_file.h"
 #include "platform/embedded/registry.h"
+#include "platform/embedded/temp_machine.h"
 #include "tools/regedit/registry_editor.h"
 
 namespace kw::regedit {
@@ -20,9 +20,8 @@ using platform::embedded::EmbeddedRegistry;
 
 TEST(WineJudge, ItsRegistryEditorAndOursReadEachOthersFiles) {
   if (std::system("command -v wine >/dev/null 2>&1") != 0) GTEST_SKIP() << "wine is not installed";
-  std::string pattern = (std::filesystem::temp_directory_path() / "kwwineXXXXXX").string();
-  const std::string root = ::mkdtemp(pattern.data());
-  std::filesystem::create_directories(root + "/drive_c");
+  const platform::embedded::TempMachine machine;
+  const std::string& root = machine.root();
   const std::string key = "HKEY_CURRENT_USER\\Software\\Kitwright Judge";
   const std::vector<RegistryValue> values = {
       RegistryValue::OfText("C:\\a \"b\" \xC3\xA4\xE6\x97\xA5"),
@@ -80,7 +79,6 @@ TEST(WineJudge, ItsRegistryEditorAndOursReadEachOthersFiles) {
   }
   EXPECT_EQ((*back)->QueryValue("", 255)->Text(), "default");
   EXPECT_EQ((*back)->QueryInfo()->values, values.size() + 1);
-  std::filesystem::remove_all(root);
 }
 
 }  // namespace
