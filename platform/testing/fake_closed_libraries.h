@@ -14,14 +14,14 @@ namespace kw::platform::testing {
 /// Closed libraries whose functions give 1, or what a test says. Functions go by their exported names
 /// ("REG_SHDeleteKey", "Emal_ConfigZED", "BWKCreateInstallerA").
 ///
-/// Two have an effect of their own: EncryptDecrypt of a file writes "enciphered:" and the source's bytes (and
-/// back; a source without that mark gives 0), of a text raises each byte by one. BWKCreateInstallerA and the
-/// rest do what a test's function does.
+/// Some have an effect of their own, unless a test's result for them is 0: the registry functions change the
+/// registry, EncryptDecrypt of a file writes "enciphered:" and the source's bytes (and back; a source without
+/// that mark gives 0), of a text raises each byte by one. All others do what a test's function does.
 class FakeClosedLibraries : public ClosedLibraries {
  public:
   using Arguments = std::vector<std::string>;
 
-  explicit FakeClosedLibraries(FileSystem& files) : files_(files) {}
+  FakeClosedLibraries(FileSystem& files, Registry& registry) : files_(files), registry_(registry) {}
 
   void Return(const std::string& function, int result) { results_[function] = result; }
   /// Calls raise an error with this number.
@@ -55,6 +55,7 @@ class FakeClosedLibraries : public ClosedLibraries {
   Result<int> Call(const std::string& function, const Arguments& arguments);
 
   FileSystem& files_;
+  Registry& registry_;
   std::map<std::string, int> results_;
   std::map<std::string, int> raised_;
   std::map<std::string, std::function<void(const Arguments&)>> effects_;

@@ -68,6 +68,8 @@ class FakeFileSystem : public FileSystem {
   }
 
   // What a test looks at.
+  /// `path` with drive and folder, by the present current folder.
+  std::string FullPath(const std::string& path) const { return paths_.FullPath(path); }
   /// A file's bytes; "(no such file)" when there is none.
   std::string Content(const std::string& path) const;
   bool IsReadOnly(const std::string& path) const;

@@ -1,9 +1,15 @@
 #ifndef KITWRIGHT_PLATFORM_TESTING_FAKE_MACHINE_H_
 #define KITWRIGHT_PLATFORM_TESTING_FAKE_MACHINE_H_
 
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
 #include "base/transcript.h"
 #include "platform/services.h"
 #include "platform/shared/ini_profile_files.h"
+#include "platform/shared/msi_installer.h"
 #include "platform/shared/pe_file_versions.h"
 #include "platform/shared/recording.h"
 #include "platform/shared/xml_files.h"
@@ -15,6 +21,19 @@
 #include "platform/testing/fake_system.h"
 
 namespace kw::platform::testing {
+
+/// Installed products as a test sets them.
+class FakeProducts : public ProductQuery {
+ public:
+  struct Product {
+    std::string upgrade_code;
+    std::string code;
+    std::map<std::string, int> features;  ///< install states by feature key
+  };
+  std::vector<Product> products;
+  std::vector<std::string> RelatedProducts(const std::string& upgrade_code) override;
+  int FeatureState(const std::string& product_code, const std::string& feature) override;
+};
 
 /// A whole machine in memory for page tests. Everything that happens on it is in `transcript`, in the lines
 /// of a script run.
@@ -40,9 +59,12 @@ struct FakeMachine {
   IniProfileFiles profiles{files, system};
   XmlFiles xml{files};
   PeFileVersions versions{files};
-  FakeClosedLibraries libraries{files};
+  FakeProducts products;
+  FakeClosedLibraries libraries{files, registry};
   RecordingProcesses recorded_processes{processes, transcript};
   RecordingClosedLibraries recorded_libraries{libraries, transcript};
+  /// An installer object on this machine, as `services.create_installer` makes it.
+  std::unique_ptr<Installer> MakeInstaller();
   /// What pages are given.
   Services services;
 };

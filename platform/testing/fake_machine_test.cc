@@ -76,6 +76,8 @@ TEST(FakeMachine, CallsOfClosedLibrariesLeaveLines) {
   ClosedLibraries& libraries = *machine.services.libraries;
   machine.libraries.Return("IsAdmin", 0);
   machine.libraries.Raise("TxUnzip", 48);
+  machine.registry.SetText(Hive::kCurrentUser, "SOFTWARE\\X\\Y", "v", "1");
+  machine.registry.SetText(Hive::kCurrentUser, "A", "v", "1");
   std::vector<std::string> edited;
   machine.libraries.On("EditSiteList", [&](const auto& arguments) { edited = arguments; });
   EXPECT_EQ(libraries.IsAdmin().value_or(-1), 0);
@@ -109,6 +111,47 @@ TEST(FakeMachine, EncipheringFilesCanBeUndone) {
   EXPECT_EQ(machine.files.Content("C:\\c"), "plain");
   EXPECT_EQ(libraries.EncryptDecryptFile(false, "C:\\a", "C:\\d").value_or(-1), 0);
   EXPECT_EQ(libraries.EncryptDecryptFile(true, "C:\\missing", "C:\\d").value_or(-1), 0);
+}
+
+TEST(FakeMachine, TheRegistryFunctionsChangeTheRegistry) {
+  FakeMachine machine;
+  ClosedLibraries& libraries = *machine.services.libraries;
+  machine.registry.SetText(Hive::kCurrentUser, "A\\B", "v", "1");
+  machine.registry.AddKey(Hive::kCurrentUser, "A\\C\\D");
+  EXPECT_EQ(libraries.RegShCopyKey(Hive::kCurrentUser, "A", Hive::kCurrentUser, "Z").value_or(-1), 1);
+  EXPECT_EQ(machine.registry.Get(Hive::kCurrentUser, "Z\\B", "v").Text(), "1");
+  EXPECT_TRUE(machine.registry.HasKey(Hive::kCurrentUser, "Z\\C\\D"));
+  EXPECT_EQ(libraries.RegShDeleteEmptyKey(Hive::kCurrentUser, "A").value_or(-1), 0);
+  EXPECT_EQ(libraries.RegShDeleteEmptyKey(Hive::kCurrentUser, "A\\C").value_or(-1), 0);
+  EXPECT_EQ(libraries.RegShDeleteEmptyKey(Hive::kCurrentUser, "Missing").value_or(-1), 1);
+  EXPECT_EQ(libraries.RegShDeleteEmptyKeyEx(Hive::kCurrentUser, "A").value_or(-1), 0);
+  EXPECT_FALSE(machine.registry.HasKey(Hive::kCurrentUser, "A\\C"));
+  EXPECT_TRUE(machine.registry.HasKey(Hive::kCurrentUser, "A\\B"));
+  EXPECT_EQ(libraries.RegShDeleteKey(Hive::kCurrentUser, "A").value_or(-1), 1);
+  EXPECT_FALSE(machine.registry.HasKey(Hive::kCurrentUser, "A"));
+  EXPECT_EQ(libraries.RegShDeleteKey(Hive::kCurrentUser, "A").value_or(-1), 1);
+}
+
+TEST(FakeMachine, DatabasesLieInItsFiles) {
+  FakeMachine machine;
+  auto installer = machine.services.create_installer();
+  ASSERT_TRUE(installer.ok());
+  auto database = (*installer)->OpenDatabase("C:\\Temp\\a.msi", OpenMode::kCreateDirect);
+  ASSERT_TRUE(database.ok());
+  EXPECT_TRUE(machine.files.FileExists("C:\\Temp\\A.msi"));
+  EXPECT_EQ(machine.files.DeleteFile("C:\\Temp\\a.msi", true).number(), kErrorSharingViolation);
+  database = Error{1, ""};
+  EXPECT_TRUE(machine.files.DeleteFile("C:\\Temp\\a.msi", true).ok());
+}
+
+TEST(FakeMachine, ProductsAreWhatATestSays) {
+  FakeMachine machine;
+  machine.products.products = {{"{U}", "{P1}", {{"Console", 3}}}, {"{u}", "{P2}", {{"Console", 2}}}};
+  auto installer = machine.MakeInstaller();
+  EXPECT_THAT(installer->RelatedProducts("{U}"), ElementsAre("{P1}", "{P2}"));
+  EXPECT_THAT(installer->RelatedProducts("{V}"), ElementsAre());
+  EXPECT_EQ(installer->FeatureState("{p2}", "Console"), 2);
+  EXPECT_EQ(installer->FeatureState("{P1}", "Updater"), -1);
 }
 
 TEST(FakeMachine, UniqueBytesCountUp) {

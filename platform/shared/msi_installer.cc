@@ -1,0 +1,207 @@
+#include "platform/shared/msi_installer.h"
+
+#include <ctime>
+#include <utility>
+
+#include "msi/database.h"
+#include "msi/session.h"
+
+namespace kw::platform {
+namespace {
+
+/// Shared by all objects of one installer.
+using Ground = std::shared_ptr<const InstallerGround>;
+
+/// A local time in units of 100 nanoseconds since the beginning of 1601 (UTC).
+uint64_t FileTimeOf(const LocalTime& time) {
+  std::tm parts{};
+  parts.tm_year = time.year - 1900;
+  parts.tm_mon = time.month - 1;
+  parts.tm_mday = time.day;
+  parts.tm_hour = time.hour;
+  parts.tm_min = time.minute;
+  parts.tm_sec = time.second;
+  parts.tm_isdst = -1;
+  constexpr int64_t kSecondsFrom1601To1970 = 11644473600;
+  return static_cast<uint64_t>(static_cast<int64_t>(std::mktime(&parts)) + kSecondsFrom1601To1970) * 10000000;
+}
+
+class MsiRecord : public Record {
+ public:
+  MsiRecord(Ground ground, msi::Record inner) : ground_(std::move(ground)), inner_(std::move(inner)) {}
+  const msi::Record& Inner() const { return inner_; }
+  msi::Record& Inner() { return inner_; }
+
+  int FieldCount() const override { return inner_.FieldCount(); }
+  bool IsNull(int field) const override { return inner_.IsNull(field); }
+  std::string StringData(int field) const override { return inner_.StringData(field); }
+  Status SetStringData(int field, std::string_view value) override { return inner_.SetString(field, value); }
+  int32_t IntegerData(int field) const override { return inner_.IntegerData(field); }
+  Status SetIntegerData(int field, int32_t value) override { return inner_.SetInteger(field, value); }
+  Status SetStream(int field, const std::string& path) override {
+    return inner_.SetStream(field, ground_->storage, ground_->host_path(path));
+  }
+  Result<std::string> ReadStream(int field, int length) override {
+    return inner_.ReadStream(field, length > 0 ? static_cast<size_t>(length) : 0);
+  }
+  void ClearData() override { inner_.ClearData(); }
+
+ private:
+  Ground ground_;
+  msi::Record inner_;
+};
+
+Error ForeignObject() {
+  return {kErrorInvalidParameter, "The record or the database comes from another installer."};
+}
+
+class MsiView : public View {
+ public:
+  MsiView(Ground ground, std::unique_ptr<msi::View> inner)
+      : ground_(std::move(ground)), inner_(std::move(inner)) {}
+
+  Status Execute(const Record* parameters) override {
+    if (parameters == nullptr) return inner_->Execute(nullptr);
+    const auto* record = dynamic_cast<const MsiRecord*>(parameters);
+    return record == nullptr ? Status(ForeignObject()) : inner_->Execute(&record->Inner());
+  }
+
+  Result<std::shared_ptr<Record>> Fetch() override {
+    KW_ASSIGN_OR_RETURN(std::optional<msi::Record> row, inner_->Fetch());
+    std::shared_ptr<Record> record;
+    if (row) record = std::make_shared<MsiRecord>(ground_, std::move(*row));
+    return record;
+  }
+
+  Status Modify(ModifyMode mode, Record& record) override {
+    auto* ours = dynamic_cast<MsiRecord*>(&record);
+    if (ours == nullptr) return ForeignObject();
+    return inner_->Modify(static_cast<msi::ModifyMode>(mode), ours->Inner());
+  }
+
+  void Close() override { inner_->Close(); }
+
+ private:
+  Ground ground_;
+  std::unique_ptr<msi::View> inner_;
+};
+
+class MsiSummaryInfo : public SummaryInfo {
+ public:
+  MsiSummaryInfo(Ground ground, std::unique_ptr<msi::SummaryInfo> inner)
+      : ground_(std::move(ground)), inner_(std::move(inner)) {}
+
+  int32_t IntegerProperty(int id) const override { return inner_->IntegerProperty(id); }
+  std::string TextProperty(int id) const override { return inner_->TextProperty(id); }
+  Status SetIntegerProperty(int id, int32_t value) override { return inner_->SetInteger(id, value); }
+  Status SetTextProperty(int id, std::string_view value) override { return inner_->SetText(id, value); }
+  Status SetTimePropertyToNow(int id) override {
+    return inner_->SetTime(id, FileTimeOf(ground_->system.Now()));
+  }
+  Status Persist() override { return inner_->Persist(); }
+
+ private:
+  Ground ground_;
+  std::unique_ptr<msi::SummaryInfo> inner_;
+};
+
+class MsiDatabase : public Database {
+ public:
+  MsiDatabase(Ground ground, std::shared_ptr<msi::Database> inner)
+      : ground_(std::move(ground)), inner_(std::move(inner)) {}
+  const std::shared_ptr<msi::Database>& Inner() const { return inner_; }
+
+  Result<std::unique_ptr<View>> OpenView(std::string_view sql) override {
+    KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::View> view, inner_->OpenView(sql));
+    return std::unique_ptr<View>(std::make_unique<MsiView>(ground_, std::move(view)));
+  }
+  Status Commit() override { return inner_->Commit(); }
+  Status Export(const std::string& table, const std::string& folder, const std::string& file) override {
+    return inner_->Export(table, ground_->host_path(folder), file);
+  }
+  Status Import(const std::string& folder, const std::string& file) override {
+    return inner_->Import(ground_->host_path(folder), file);
+  }
+  Result<std::unique_ptr<SummaryInfo>> SummaryInformation(int updates) override {
+    KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::SummaryInfo> info, inner_->SummaryInformation(updates));
+    return std::unique_ptr<SummaryInfo>(std::make_unique<MsiSummaryInfo>(ground_, std::move(info)));
+  }
+
+ private:
+  Ground ground_;
+  std::shared_ptr<msi::Database> inner_;
+};
+
+class MsiSession : public Session {
+ public:
+  MsiSession(std::unique_ptr<msi::Session> inner, std::shared_ptr<bool> present)
+      : inner_(std::move(inner)), present_(std::move(present)) {
+    *present_ = true;
+  }
+  ~MsiSession() override { *present_ = false; }
+
+  bool Mode(int mode) const override { return inner_->Mode(mode); }
+  std::string Property(std::string_view name) const override { return inner_->Property(name); }
+  Status SetProperty(std::string_view name, std::string_view value) override {
+    inner_->SetProperty(name, value);
+    return {};
+  }
+  int DoAction(std::string_view action) override { return inner_->DoAction(action); }
+
+ private:
+  std::unique_ptr<msi::Session> inner_;
+  std::shared_ptr<bool> present_;
+};
+
+class MsiInstaller : public Installer {
+ public:
+  explicit MsiInstaller(InstallerGround ground)
+      : ground_(std::make_shared<const InstallerGround>(std::move(ground))) {}
+
+  std::shared_ptr<Record> CreateRecord(int field_count) override {
+    return std::make_shared<MsiRecord>(ground_, msi::Record(field_count));
+  }
+
+  Result<std::shared_ptr<Database>> OpenDatabase(const std::string& path, OpenMode mode) override {
+    KW_ASSIGN_OR_RETURN(
+        std::shared_ptr<msi::Database> database,
+        msi::Database::Open(ground_->storage, ground_->host_path(path), static_cast<msi::OpenMode>(mode)));
+    return std::shared_ptr<Database>(std::make_shared<MsiDatabase>(ground_, std::move(database)));
+  }
+
+  Result<std::unique_ptr<Session>> OpenPackage(const std::shared_ptr<Database>& database) override {
+    const auto* ours = dynamic_cast<const MsiDatabase*>(database.get());
+    if (ours == nullptr) return ForeignObject();
+    if (*session_present_) {
+      return Error{kErrorFunctionFailed, "Another installation session is open already."};
+    }
+    KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::Session> session, msi::Session::Open(ours->Inner()));
+    return std::unique_ptr<Session>(std::make_unique<MsiSession>(std::move(session), session_present_));
+  }
+
+  // Sessions of this engine never show anything.
+  void SetUiLevel(int) override {}
+
+  std::vector<std::string> RelatedProducts(const std::string& upgrade_code) override {
+    return ground_->products.RelatedProducts(upgrade_code);
+  }
+  int FeatureState(const std::string& product_code, const std::string& feature) override {
+    return ground_->products.FeatureState(product_code, feature);
+  }
+  int64_t FileSize(const std::string& path) override {
+    const auto entry = ground_->files.GetFile(path);
+    return entry.ok() ? entry->size : -1;
+  }
+
+ private:
+  Ground ground_;
+  std::shared_ptr<bool> session_present_ = std::make_shared<bool>(false);
+};
+
+}  // namespace
+
+std::unique_ptr<Installer> MakeMsiInstaller(InstallerGround ground) {
+  return std::make_unique<MsiInstaller>(std::move(ground));
+}
+
+}  // namespace kw::platform
