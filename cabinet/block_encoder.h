@@ -6,6 +6,7 @@
 #include <span>
 
 struct libdeflate_compressor;
+struct z_stream_s;
 
 namespace kw::cabinet {
 
@@ -24,7 +25,13 @@ class BlockEncoder {
   struct Free {
     void operator()(libdeflate_compressor* compressor) const;
   };
+  struct FreeStream {
+    void operator()(z_stream_s* stream) const;
+  };
+  size_t EncodeCarefully(std::span<const std::byte> block, std::span<std::byte> out);
+
   std::unique_ptr<libdeflate_compressor, Free> compressor_;
+  std::unique_ptr<z_stream_s, FreeStream> careful_;  // made when first needed
 };
 
 }  // namespace kw::cabinet

@@ -74,7 +74,6 @@ class Writer {
     KW_RETURN_IF_ERROR(Flush());
     const std::vector<std::byte> head = HeadOf(plan_, options_, folder_offsets_, end_);
     KW_RETURN_IF_ERROR(out_.WriteAt(0, head));
-    KW_RETURN_IF_ERROR(out_.Sync());
     return end_;
   }
 

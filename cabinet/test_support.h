@@ -120,6 +120,23 @@ inline std::string Prose(size_t size, uint32_t seed = 1) {
   return out;
 }
 
+/// Bytes that give no match, yet pack to less than eight bits each: no three of them come twice.
+inline std::string LiteralsAlone(size_t size, uint32_t seed = 1) {
+  constexpr uint32_t kBytes = 180;
+  std::vector<bool> seen(kBytes * kBytes * kBytes);
+  std::string out;
+  uint32_t last = 0;
+  while (out.size() < size) {
+    seed = seed * 1664525u + 1013904223u;
+    uint32_t byte = (seed >> 16) % kBytes;
+    while (seen[last * kBytes + byte]) byte = (byte + 1) % kBytes;
+    seen[last * kBytes + byte] = true;
+    last = (last * kBytes + byte) % (kBytes * kBytes);
+    out += static_cast<char>(byte);
+  }
+  return out;
+}
+
 }  // namespace kw::cabinet
 
 #endif  // KITWRIGHT_CABINET_TEST_SUPPORT_H_
