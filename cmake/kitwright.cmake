@@ -47,6 +47,9 @@ function(kitwright_library name)
   set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
 endfunction()
 
+# Every test program that kitwright_tests declares; what the sanitizers run over.
+add_custom_target(kitwright_unit_tests)
+
 # kitwright_tests(name DEPENDS libs...)
 # One test program from every *_test.cc beside the CMakeLists.txt, known to CTest as one test.
 function(kitwright_tests name)
@@ -64,4 +67,6 @@ function(kitwright_tests name)
   target_compile_definitions(${name} PRIVATE KITWRIGHT_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                              KITWRIGHT_BINARY_DIR="${CMAKE_BINARY_DIR}")
   add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES LABELS unit)
+  add_dependencies(kitwright_unit_tests ${name})
 endfunction()
