@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
-
 #include "shell/shell_test_support.h"
 
 namespace kw {
@@ -16,47 +14,9 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
+constexpr const char* kUpgradeCode = "{75951FF9-0087-4981-A526-56CB59DA17D9}";
 constexpr const char* kFeatureKeys[] = {"Console", "EmailScan", "OnAccessScanner", "OnDemandScanner",
                                         "AutoUpdate"};
-
-/// Products of the machine: feature states by product code.
-using Products = std::vector<std::pair<std::string, std::map<std::string, int>>>;
-
-/// An installer that knows products and no database.
-class ProductInstaller : public platform::Installer {
- public:
-  ProductInstaller(const Products& products, std::vector<std::string>& asked)
-      : products_(products), asked_(asked) {}
-  std::vector<std::string> RelatedProducts(const std::string& upgrade_code) override {
-    asked_.push_back(upgrade_code);
-    std::vector<std::string> codes;
-    for (const auto& [code, features] : products_) codes.push_back(code);
-    return codes;
-  }
-  int FeatureState(const std::string& product_code, const std::string& feature) override {
-    for (const auto& [code, features] : products_) {
-      if (code != product_code) continue;
-      const auto state = features.find(feature);
-      return state == features.end() ? -1 : state->second;
-    }
-    return -1;
-  }
-  std::shared_ptr<platform::Record> CreateRecord(int) override { return nullptr; }
-  Result<std::shared_ptr<platform::Database>> OpenDatabase(const std::string& path,
-                                                           platform::OpenMode) override {
-    return Error{kErrorOpenFailed, path};
-  }
-  Result<std::unique_ptr<platform::Session>> OpenPackage(
-      const std::shared_ptr<platform::Database>&) override {
-    return Error{kErrorUnsupported, "no session"};
-  }
-  void SetUiLevel(int) override {}
-  int64_t FileSize(const std::string&) override { return -1; }
-
- private:
-  const Products& products_;
-  std::vector<std::string>& asked_;
-};
 
 struct ProgramEntryTest : ::testing::Test, testing::ShellFixture {
   ProgramEntryTest() {
@@ -64,11 +24,11 @@ struct ProgramEntryTest : ::testing::Test, testing::ShellFixture {
     run.HasConsoleFeature = run.HasEmailScanFeature = run.HasOnAccessFeature = false;
     run.HasOnDemandFeature = run.HasAutoUpdateFeature = false;
     SetValue("Software\\Microsoft\\Internet Explorer", "Version", "1.0");
-    products = {{"{1}", {}}};
-    for (const char* feature : kFeatureKeys) products[0].second[feature] = 3;
+    products = {{kUpgradeCode, "{1}", {}}};
+    for (const char* feature : kFeatureKeys) products[0].features[feature] = 3;
     machine.services.create_installer = [this]() -> Result<std::unique_ptr<platform::Installer>> {
       if (installers_left-- == 0) return Error{kErrorFunctionFailed, "No installer on this system."};
-      return std::unique_ptr<platform::Installer>(std::make_unique<ProductInstaller>(products, asked));
+      return machine.MakeInstaller();
     };
   }
   void SetValue(const std::string& key, const std::string& name, const std::string& text) {
@@ -81,8 +41,7 @@ struct ProgramEntryTest : ::testing::Test, testing::ShellFixture {
     std::erase_if(lines, [](const std::string& line) { return line.starts_with("call "); });
     return lines;
   }
-  Products products;
-  std::vector<std::string> asked;
+  std::vector<platform::testing::FakeProducts::Product>& products = machine.products.products;
   int installers_left = 2;
 };
 
@@ -91,7 +50,6 @@ TEST_F(ProgramEntryTest, AWholeProductOpensTheWelcomePage) {
   run.DestinationFolder = "C:\\left";
   run.DestinationInUse = true;
   EXPECT_THAT(Enter(), ElementsAre("page frmWelcome"));
-  EXPECT_THAT(asked, ElementsAre("{75951FF9-0087-4981-A526-56CB59DA17D9}"));
   EXPECT_TRUE(run.ProductInstalled && run.AnyFeatureInstalled && run.HasConsoleFeature &&
               run.HasEmailScanFeature && run.HasOnAccessFeature && run.HasOnDemandFeature &&
               run.HasAutoUpdateFeature);
@@ -148,8 +106,8 @@ TEST_F(ProgramEntryTest, MemoryIsComparedSignedAndRefusesNothing) {
   }
 }
 
-TEST_F(ProgramEntryTest, NoProductIsRefused) {
-  products.clear();
+TEST_F(ProgramEntryTest, AProductOfAnotherUpgradeCodeCountsAsNone) {
+  products[0].upgrade_code = "{0F64050B-7ABB-446C-99CC-CA70A67FFD7D}";
   EXPECT_THAT(
       Enter(),
       ElementsAre("message Kestrane Enterprise is not currently installed on this computer.  You must "
@@ -158,7 +116,7 @@ TEST_F(ProgramEntryTest, NoProductIsRefused) {
 }
 
 TEST_F(ProgramEntryTest, OneMissingFeatureIsNamedInTheSingular) {
-  products[0].second["AutoUpdate"] = 2;
+  products[0].features["AutoUpdate"] = 2;
   EXPECT_THAT(Enter(), ElementsAre("message Kestrane Enterprise's Updater is not currently installed on this "
                                    "computer.  You must install all Kestrane Enterprise features before "
                                    "running Kitwright.  This program will now exit.",
@@ -166,15 +124,15 @@ TEST_F(ProgramEntryTest, OneMissingFeatureIsNamedInTheSingular) {
 }
 
 TEST_F(ProgramEntryTest, TwoMissingFeaturesAreJoinedByAnd) {
-  products[0].second["OnAccessScanner"] = 1;
-  products[0].second.erase("AutoUpdate");
+  products[0].features["OnAccessScanner"] = 1;
+  products[0].features.erase("AutoUpdate");
   EXPECT_THAT(Enter(), Contains("message Kestrane Enterprise's On-Access Scan and Updater are not currently "
                                 "installed on this computer.  You must install all Kestrane Enterprise "
                                 "features before running Kitwright.  This program will now exit."));
 }
 
 TEST_F(ProgramEntryTest, ThreeMissingFeaturesAreListedWithACommaAndAnd) {
-  for (const char* feature : {"Console", "OnAccessScanner", "AutoUpdate"}) products[0].second[feature] = 4;
+  for (const char* feature : {"Console", "OnAccessScanner", "AutoUpdate"}) products[0].features[feature] = 4;
   EXPECT_THAT(Enter(),
               Contains("message Kestrane Enterprise's Console, On-Access Scan and Updater are not "
                        "currently installed on this computer.  You must install all Kestrane "
@@ -182,8 +140,8 @@ TEST_F(ProgramEntryTest, ThreeMissingFeaturesAreListedWithACommaAndAnd) {
 }
 
 TEST_F(ProgramEntryTest, FeaturesMayComeFromDifferentProducts) {
-  products[0].second["AutoUpdate"] = 2;
-  products.push_back({"{2}", {{"AutoUpdate", 3}}});
+  products[0].features["AutoUpdate"] = 2;
+  products.push_back({kUpgradeCode, "{2}", {{"AutoUpdate", 3}}});
   EXPECT_THAT(Enter(), ElementsAre("page frmWelcome"));
   EXPECT_TRUE(run.HasAutoUpdateFeature && run.HasConsoleFeature);
 }
