@@ -1,0 +1,287 @@
+// The closed libraries as the wizard has them: loaded at run time and called by their exported names.
+
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <zip.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+#include "base/machine_config.h"
+#include "base/storage.h"
+#include "base/text.h"
+#include "platform/embedded/library_abi.h"
+#include "platform/embedded/registry.h"
+#include "platform/embedded/temp_machine.h"
+#include "platform/testing/registry_dump.h"
+#include "sample/archive/appended_cabinet.h"
+
+namespace kw::sample {
+namespace {
+
+using platform::Hive;
+using platform::RegistryValue;
+using platform::testing::DumpRegistry;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+/// A loaded library of the build.
+class Library {
+ public:
+  explicit Library(const std::string& path)
+      : handle_(dlopen((std::string(KITWRIGHT_BINARY_DIR) + path).c_str(), RTLD_NOW | RTLD_LOCAL)) {}
+  ~Library() {
+    if (handle_ != nullptr) dlclose(handle_);
+  }
+  Library(const Library&) = delete;
+  Library& operator=(const Library&) = delete;
+
+  template <typename Call>
+  Call* Get(Call*, const char* name) {
+    return handle_ != nullptr ? reinterpret_cast<Call*>(dlsym(handle_, name)) : nullptr;
+  }
+
+ private:
+  void* handle_;
+};
+
+#define CALL(library, name) (library.Get(&::name, #name))
+
+class LibrariesTest : public ::testing::Test {
+ protected:
+  LibrariesTest() {
+    for (const char* name : {"SAMPLE_TOOL_ANSWER", "SAMPLE_FAIL", "DISPLAY", "WAYLAND_DISPLAY"})
+      ::unsetenv(name);
+  }
+
+  platform::embedded::EmbeddedRegistry Registry() {
+    return platform::embedded::EmbeddedRegistry(machine_.root(), 1252);
+  }
+  void SetDword(Hive hive, const std::string& key, const std::string& name, uint32_t number) {
+    auto registry = Registry();
+    ASSERT_TRUE((*registry.CreateKey(hive, key, platform::kKeyAll))
+                    ->SetValue(name, RegistryValue::OfDword(number))
+                    .ok());
+  }
+  std::vector<std::string> Dump(const std::string& key) {
+    auto registry = Registry();
+    return DumpRegistry(registry, Hive::kCurrentUser, key);
+  }
+  std::string Content(const std::string& on_c) {
+    return ReadWholeFile(SystemStorage(), machine_.OnC(on_c)).value_or("(missing)");
+  }
+  /// An archive on drive C with these members.
+  void PutZip(const std::string& name, const std::vector<std::pair<std::string, std::string>>& members,
+              bool with_password = false) {
+    zip_t* zip = zip_open(machine_.OnC(name).c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
+    ASSERT_NE(zip, nullptr);
+    for (const auto& [member, content] : members) {
+      const zip_int64_t at = zip_file_add(
+          zip, member.c_str(), zip_source_buffer(zip, content.data(), content.size(), 0), ZIP_FL_ENC_UTF_8);
+      ASSERT_GE(at, 0);
+      if (with_password) {
+        ASSERT_EQ(zip_file_set_encryption(zip, static_cast<zip_uint64_t>(at), ZIP_EM_AES_256, "secret"), 0);
+      }
+    }
+    ASSERT_EQ(zip_close(zip), 0);
+  }
+
+  platform::embedded::TempMachine machine_;
+  Library zedutil_{"/bin/zedutil.so"};
+  Library unzip_{"/bin/TxUnzip.so"};
+  Library bulwark_{"/bin/bulwarkcfg.so"};
+  Library mail_{"/sample/product/TxMailScan.so"};
+  Library panel_{"/sample/product/TxPanelLib.so"};
+  Library help_{"/sample/product/TxHelpLib.so"};
+};
+
+TEST_F(LibrariesTest, TheMachineSaysWhetherTheUserIsAnAdministrator) {
+  EXPECT_EQ(CALL(zedutil_, IsAdmin)(), 1);
+  machine_.Put("machine.ini", "[machine]\nadmin=0\n");
+  EXPECT_EQ(CALL(zedutil_, IsAdmin)(), 0);
+  machine_.Put("machine.ini", "[machine]\nadmin=1\n");
+  EXPECT_EQ(CALL(zedutil_, IsAdmin)(), 1);
+}
+
+TEST_F(LibrariesTest, KeysAreCopiedAndDeleted) {
+  SetDword(Hive::kCurrentUser, "SOFTWARE\\Orvantic\\ZED\\A", "v", 1);
+  auto registry = Registry();
+  ASSERT_TRUE(
+      registry.CreateKey(Hive::kCurrentUser, "SOFTWARE\\Orvantic\\ZED_Backup", platform::kKeyAll).ok());
+  const KitwrightOpenKey open{KITWRIGHT_HKEY_CURRENT_USER, u"SOFTWARE\\Orvantic\\ZED_Backup"};
+  EXPECT_EQ(CALL(zedutil_, REG_SHCopyKey)(KITWRIGHT_HKEY_CURRENT_USER, u"SOFTWARE\\Orvantic\\ZED", &open, 0),
+            0);
+  EXPECT_THAT(Dump("SOFTWARE\\Orvantic\\ZED_Backup"),
+              ElementsAre("[SOFTWARE\\Orvantic\\ZED_Backup]", "[SOFTWARE\\Orvantic\\ZED_Backup\\A]",
+                          "\"v\"=dword:00000001"));
+  EXPECT_EQ(CALL(zedutil_, REG_SHDeleteKey)(KITWRIGHT_HKEY_CURRENT_USER, u"SOFTWARE\\Orvantic\\ZED_Backup"),
+            0);
+  EXPECT_THAT(Dump("SOFTWARE\\Orvantic\\ZED_Backup"), IsEmpty());
+  EXPECT_NE(CALL(zedutil_, REG_SHDeleteKey)(KITWRIGHT_HKEY_CURRENT_USER, u"SOFTWARE\\Orvantic\\ZED_Backup"),
+            0);
+}
+
+TEST_F(LibrariesTest, OnlyEmptyKeysAreDeletedAsEmpty) {
+  SetDword(Hive::kCurrentUser, "A", "v", 1);
+  auto registry = Registry();
+  ASSERT_TRUE(registry.CreateKey(Hive::kCurrentUser, "B\\C", platform::kKeyAll).ok());
+  EXPECT_EQ(CALL(zedutil_, REG_SHDeleteEmptyKey)(KITWRIGHT_HKEY_CURRENT_USER, u"A"), 0);
+  EXPECT_EQ(CALL(zedutil_, REG_SHDeleteEmptyKey)(KITWRIGHT_HKEY_CURRENT_USER, u"B"), 0);
+  EXPECT_NE(CALL(zedutil_, REG_SHDeleteEmptyKeyEx)(KITWRIGHT_HKEY_CURRENT_USER, u"B"), 0);
+  EXPECT_NE(CALL(zedutil_, REG_SHDeleteEmptyKey)(KITWRIGHT_HKEY_CURRENT_USER, u"Missing"), 0);
+  EXPECT_THAT(Dump("B"), IsEmpty());
+}
+
+TEST_F(LibrariesTest, ASettingsExportIsConvertedInPlace) {
+  machine_.Put(
+      "drive_c/a.reg",
+      "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvantic\\RDX\\UI]\r\n\"v\"=dword:00000002\r\n");
+  EXPECT_NE(CALL(zedutil_, ConvertRegFile)(u"C:\\a.reg", 0), 0);
+  EXPECT_THAT(Utf16ToUtf8(std::u16string(reinterpret_cast<const char16_t*>(Content("a.reg").data()) + 1,
+                                         Content("a.reg").size() / 2 - 1)),
+              HasSubstr("[HKEY_CURRENT_USER\\SOFTWARE\\Orvantic\\ZED\\UI]\r\n\"v\"=dword:00000002"));
+  EXPECT_NE(CALL(zedutil_, ConvertRegFile)(u"C:\\a.reg", 0), 0);
+}
+
+TEST_F(LibrariesTest, WhatIsNoSettingsExportIsRefusedAndStaysAsItIs) {
+  for (const std::string text :
+       {"", "no registry file", "REGEDIT4\r\n",
+        "REGEDIT4\r\n[HKEY_CURRENT_USER\\SOFTWARE\\Other]\r\n\"v\"=\"1\"\r\n",
+        "REGEDIT4\r\n[HKEY_CURRENT_USER\\SOFTWARE\\Orvantic\\ZED_Backup]\r\n\"v\"=\"1\"\r\n",
+        "REGEDIT4\r\n[-HKEY_CURRENT_USER\\SOFTWARE\\Orvantic\\ZED]\r\n",
+        "REGEDIT4\r\n[HKEY_CURRENT_USER\\SOFTWARE\\Orvantic\\ZED]\r\nnonsense\r\n"}) {
+    machine_.Put("drive_c/a.reg", text);
+    EXPECT_EQ(CALL(zedutil_, ConvertRegFile)(u"C:\\a.reg", 0), 0) << text;
+    EXPECT_EQ(Content("a.reg"), text);
+  }
+  EXPECT_EQ(CALL(zedutil_, ConvertRegFile)(u"C:\\missing.reg", 0), 0);
+}
+
+TEST_F(LibrariesTest, FilesAndTextsAreEnciphered) {
+  machine_.Put("drive_c/a.txt", "settings");
+  const auto cipher = CALL(zedutil_, EncryptDecrypt);
+  EXPECT_NE(cipher(1, 1, 0, u"C:\\a.txt", const_cast<char16_t*>(u"C:\\a.cfg")), 0);
+  EXPECT_NE(cipher(0, 1, 0, u"C:\\a.cfg", const_cast<char16_t*>(u"C:\\b.txt")), 0);
+  EXPECT_EQ(Content("b.txt"), "settings");
+  EXPECT_EQ(cipher(0, 1, 0, u"C:\\a.txt", const_cast<char16_t*>(u"C:\\c.txt")), 0);
+  EXPECT_EQ(Content("c.txt"), "(missing)");
+  char text[] = "secret";
+  EXPECT_NE(cipher(1, 0, 6, text, text), 0);
+  EXPECT_STRNE(text, "secret");
+  EXPECT_EQ(std::string(text).size(), 6u);
+  ::setenv("SAMPLE_FAIL", "StcSign,EncryptDecrypt", 1);
+  EXPECT_EQ(cipher(1, 1, 0, u"C:\\a.txt", const_cast<char16_t*>(u"C:\\a.cfg")), 0);
+}
+
+TEST_F(LibrariesTest, AnArchiveIsUnpackedAlsoByItsBareName) {
+  PutZip("Work/dat.zip", {{"SIGS.DAT", "sigs"}, {"sub/Übersicht.txt", "text"}});
+  std::filesystem::create_directories(machine_.OnC("Out"));
+  ::setenv("KITWRIGHT_CWD", "C:\\Work", 1);
+  CALL(unzip_, TxUnzip)("dat.zip", "C:\\Out");
+  EXPECT_EQ(CALL(unzip_, LastCallRaised)(), 0);
+  EXPECT_EQ(Content("Out/SIGS.DAT"), "sigs");
+  EXPECT_EQ(Content("Out/sub/Übersicht.txt"), "text");
+}
+
+TEST_F(LibrariesTest, ABadArchiveRaisesAndWritesNothing) {
+  std::filesystem::create_directories(machine_.OnC("Out"));
+  machine_.Put("drive_c/bad.zip", "PK\x03\x04 nothing");
+  PutZip("up.zip", {{"good.txt", "x"}, {"../up.txt", "x"}});
+  PutZip("absolute.zip", {{"C:\\Windows\\x.txt", "x"}});
+  PutZip("locked.zip", {{"a.txt", "x"}}, true);
+  for (const char* name :
+       {"C:\\bad.zip", "C:\\up.zip", "C:\\absolute.zip", "C:\\locked.zip", "C:\\missing.zip"}) {
+    CALL(unzip_, TxUnzip)(name, "C:\\Out");
+    EXPECT_NE(CALL(unzip_, LastCallRaised)(), 0) << name;
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(machine_.OnC("Out")));
+  EXPECT_EQ(Content("up.txt"), "(missing)");
+}
+
+TEST_F(LibrariesTest, TheFirewallsInstallerIsReadAndRewritten) {
+  const std::string program = machine_.Put("drive_c/Bulwark.exe", "MZ firewall");
+  machine_.Put("parts/MDF.INI", "[General]\r\nInstallPath=\r\nSTC=0\r\nLangID=0409\r\nSilent=0\r\n");
+  machine_.Put("parts/BulwarkPrefs.TXT", "old preferences");
+  ASSERT_TRUE(
+      WriteBehindProgram(SystemStorage(), program, *FilesBelow(machine_.root() + "/parts"), program, 1252)
+          .ok());
+  std::filesystem::create_directories(machine_.OnC("Data"));
+  CALL(bulwark_, BWKExtractInstallerFilesA)("C:\\Bulwark.exe", "C:\\Data");
+  EXPECT_EQ(Content("Data/BulwarkPrefs.TXT"), "old preferences");
+  machine_.Put("drive_c/New.TXT", "new preferences");
+  EXPECT_NE(CALL(bulwark_, BWKCreateInstallerA)("C:\\Bulwark.exe", "C:\\New.TXT", "D:\\Guard", 1, 0), 0);
+  CALL(bulwark_, BWKExtractInstallerFilesA)("C:\\Bulwark.exe", "C:\\Data");
+  EXPECT_EQ(Content("Data/BulwarkPrefs.TXT"), "new preferences");
+  const std::string descriptor = Content("Data/MDF.INI");
+  EXPECT_EQ(IniValue(descriptor, "General", "InstallPath"), "D:\\Guard");
+  EXPECT_EQ(IniValue(descriptor, "General", "Silent"), "1");
+  EXPECT_EQ(IniValue(descriptor, "General", "STC"), "0");
+  EXPECT_EQ(IniValue(descriptor, "General", "LangID"), "0409");
+  EXPECT_EQ(Content("Bulwark.exe").substr(0, 11), "MZ firewall");
+  EXPECT_NE(CALL(bulwark_, BWKCreateInstallerA)("C:\\Bulwark.exe", "", nullptr, 0, 1), 0);
+  CALL(bulwark_, BWKExtractInstallerFilesA)("C:\\Bulwark.exe", "C:\\Data");
+  EXPECT_EQ(Content("Data/BulwarkPrefs.TXT"), "new preferences");
+  EXPECT_EQ(IniValue(Content("Data/MDF.INI"), "General", "InstallPath"), "");
+  EXPECT_EQ(IniValue(Content("Data/MDF.INI"), "General", "STC"), "1");
+}
+
+TEST_F(LibrariesTest, ARefusedRewriteLeavesTheInstallerAsItWas) {
+  machine_.Put("drive_c/NoInstaller.exe", "MZ");
+  EXPECT_EQ(CALL(bulwark_, BWKCreateInstallerA)("C:\\NoInstaller.exe", "", nullptr, 0, 1), 0);
+  ::setenv("SAMPLE_FAIL", "BWKCreate", 1);
+  EXPECT_EQ(CALL(bulwark_, BWKCreateInstallerA)("C:\\NoInstaller.exe", "", nullptr, 0, 1), 0);
+  EXPECT_EQ(Content("NoInstaller.exe"), "MZ");
+}
+
+TEST_F(LibrariesTest, TheOnDeliveryDialogAnswersAsToldAndFlushes) {
+  const std::string live = "SOFTWARE\\Orvantic\\RDX\\Shared Components\\On Delivery Scanner";
+  const std::string staged = "SOFTWARE\\Orvantic\\ZED\\Shared Components\\On Delivery Scanner";
+  SetDword(Hive::kLocalMachine, live, "bScan", 1);
+  const auto configure = CALL(mail_, Emal_ConfigZED);
+  EXPECT_EQ(configure(nullptr, 1, 2, 1), 0);
+  EXPECT_THAT(Dump(staged), ElementsAre("[" + staged + "]", "\"bScan\"=dword:00000001"));
+  ::setenv("SAMPLE_TOOL_ANSWER", "change", 1);
+  EXPECT_NE(configure(nullptr, 1, 2, 0), 0);
+  EXPECT_THAT(Dump(staged), ElementsAre("[" + staged + "]", "\"bScan\"=dword:00000002"));
+  ::setenv("SAMPLE_TOOL_ANSWER", "cancel", 1);
+  EXPECT_EQ(configure(nullptr, 1, 3, 0), 0);
+  EXPECT_EQ(CALL(mail_, LastCallRaised)(), 0);
+  ::setenv("SAMPLE_TOOL_ANSWER", "raise", 1);
+  EXPECT_EQ(configure(nullptr, 1, 3, 0), 0);
+  EXPECT_NE(CALL(mail_, LastCallRaised)(), 0);
+}
+
+TEST_F(LibrariesTest, TheListEditorWorksOnTheLiveList) {
+  auto registry = Registry();
+  ASSERT_TRUE(
+      (*registry.CreateKey(Hive::kLocalMachine, "SOFTWARE\\Orvantic\\RDX\\Shared Components\\AgentCore",
+                           platform::kKeyAll))
+          ->SetValue("Data Path", RegistryValue::OfText("C:\\Agent"))
+          .ok());
+  const std::string path = machine_.Put("drive_c/Agent/SiteList.xml", "<SiteLists Version=\"7\"/>");
+  const auto edit = CALL(panel_, EditSiteList);
+  EXPECT_EQ(edit(nullptr, 0, "0", u"help"), 0);
+  EXPECT_EQ(Content("Agent/SiteList.xml"), "<SiteLists Version=\"7\"/>");
+  ::setenv("SAMPLE_TOOL_ANSWER", "change", 1);
+  EXPECT_NE(edit(nullptr, 0, "0", u"help"), 0);
+  EXPECT_EQ(Content("Agent/SiteList.xml"), "<SiteLists Version=\"8\"/>");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+  edit(nullptr, 0, "0", u"help");
+  EXPECT_EQ(CALL(panel_, LastCallRaised)(), kErrorAccessDenied);
+  EXPECT_EQ(Content("Agent/SiteList.xml"), "<SiteLists Version=\"8\"/>");
+  std::filesystem::remove(path);
+  edit(nullptr, 0, "0", u"help");
+  EXPECT_EQ(CALL(panel_, LastCallRaised)(), kErrorFileNotFound);
+}
+
+TEST_F(LibrariesTest, TheHelpLiesInTheCurrentFolder) {
+  ::setenv("KITWRIGHT_CWD", "C:\\Product", 1);
+  CALL(help_, InitializeHtmlHelpPath)(u"::/context.txt");
+  EXPECT_EQ(Utf16ToUtf8(CALL(help_, GetHtmlHelpPath)()), "C:\\Product\\Kestrane.chm::/context.txt");
+}
+
+}  // namespace
+}  // namespace kw::sample
