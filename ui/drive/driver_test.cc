@@ -12,6 +12,7 @@
 #include "platform/testing/fake_closed_libraries.h"
 #include "platform/testing/fake_file_system.h"
 #include "platform/testing/fake_processes.h"
+#include "platform/testing/fake_registry.h"
 #include "ui/form.h"
 
 namespace kw::ui::drive {
@@ -107,7 +108,8 @@ class DriverTest : public ::testing::Test {
 
   platform::testing::FakeFileSystem files;
   platform::testing::FakeProcesses processes{files};
-  platform::testing::FakeClosedLibraries libraries{files};
+  platform::testing::FakeRegistry registry;
+  platform::testing::FakeClosedLibraries libraries{files, registry};
   SamplePage* one = nullptr;
   SamplePage* two = nullptr;
   SamplePage* dialog = nullptr;
