@@ -42,7 +42,9 @@ const std::map<std::string, Prefixes> kMayInclude = {
       "platform/testing/"}},
     {"ui/", {"base/", "ui/"}},
     {"ui/testing/", {"base/", "ui/", "ui/testing/"}},
-    {"ui/wx/", {"base/", "platform/", "platform/shared/", "ui/", "ui/wx/"}},
+    {"ui/wx/", {"base/", "resources/", "platform/", "platform/shared/", "ui/", "ui/wx/"}},
+    {"ui/wx/testing/", {"base/", "ui/", "ui/wx/", "ui/wx/testing/"}},
+    {"resources/", {"base/", "resources/"}},
     {"ui/drive/", {"base/", "platform/", "platform/shared/", "ui/", "ui/drive/"}},
     {"package/", {"base/", "platform/", "ui/form_host.h", "package/"}},
     {"pages/", kPagesOfAll},
@@ -85,7 +87,7 @@ bool MayInclude(const std::string& file, const std::string& included) {
   if (!rule) return false;
   // Tests may use the fakes of any level.
   if (IsTest(file) && (included.starts_with("base/testing/") || included.starts_with("platform/testing/") ||
-                       included.starts_with("ui/testing/")))
+                       included.starts_with("ui/testing/") || included.starts_with("ui/wx/testing/")))
     return true;
   return std::any_of(rule->begin(), rule->end(), [&](const std::string& allowed) {
     if (!included.starts_with(allowed)) return false;
