@@ -2,9 +2,12 @@
 #include <wx/checkbox.h>
 #include <wx/radiobut.h>
 
+#include <algorithm>
+
 #include "ui/form.h"
 #include "ui/wx/control_view.h"
 #include "ui/wx/form_view.h"
+#include "ui/wx/label_text.h"
 #include "ui/wx/wx_text.h"
 
 namespace kw::ui {
@@ -35,10 +38,54 @@ class ButtonView : public ControlView {
   wxButton* push_;
 };
 
-class CheckBoxView : public ControlView {
+/// The caption of a check box or option, broken into lines where the widget is narrower than the caption.
+template <typename Widget>
+class Caption {
+ public:
+  explicit Caption(Widget& widget) : widget_(widget) {}
+
+  void Set(const wxString& text) {
+    if (text == text_) return;
+    text_ = text;
+    widget_.SetLabel(text);
+    Measure();
+  }
+
+  void AllowWrap(int least) {
+    least_ = least;
+    Measure();
+  }
+
+  bool Rewrap() {
+    if (least_ <= 0) return false;
+    const int before = widget_.GetMinSize().y;
+    const wxString broken = WrapText(widget_, text_, widget_.GetSize().x - Sign());
+    if (widget_.GetLabel() != broken) widget_.SetLabel(broken);
+    Measure();
+    return widget_.GetMinSize().y != before;
+  }
+
+ private:
+  /// The room that the sign before the caption takes.
+  int Sign() const { return widget_.FromDIP(28); }
+
+  void Measure() {
+    widget_.InvalidateBestSize();
+    const wxSize best = widget_.GetBestSize();
+    const int natural = TextExtent(widget_, text_).x + Sign();
+    widget_.SetMinSize(wxSize(least_ > 0 ? std::min(natural, least_) : best.x, best.y));
+  }
+
+  Widget& widget_;
+  wxString text_;
+  int least_ = 0;
+};
+
+class CheckBoxView : public ControlView, public WrappingView {
  public:
   CheckBoxView(FormView& form, CheckBox& box, wxWindow* parent)
-      : ControlView(form, box), box_(box), check_(new wxCheckBox(parent, wxID_ANY, ToWx(box.Text()))) {
+      : ControlView(form, box), box_(box), check_(new wxCheckBox(parent, wxID_ANY, "")), caption_(*check_) {
+    caption_.Set(ToWx(box.Text()));
     check_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) {
       User([this] {
         if (check_->GetValue() != box_.Checked()) box_.UserClick();
@@ -47,21 +94,24 @@ class CheckBoxView : public ControlView {
   }
 
   wxWindow* Window() const override { return check_; }
+  void AllowWrap(int least) override { caption_.AllowWrap(least); }
+  bool Rewrap() override { return caption_.Rewrap(); }
 
  protected:
   void ApplyOwn(Changes) override {
     if (check_->GetValue() != box_.Checked()) check_->SetValue(box_.Checked());
-    if (check_->GetLabel() != ToWx(box_.Text())) check_->SetLabel(ToWx(box_.Text()));
+    caption_.Set(ToWx(box_.Text()));
   }
 
  private:
   CheckBox& box_;
   wxCheckBox* check_;
+  Caption<wxCheckBox> caption_;
 };
 
 /// The widgets of a group keep at most one of them on by themselves. That none is on they cannot show, so
 /// each group begins with a button that is never seen and that is on then.
-class OptionView : public ControlView {
+class OptionView : public ControlView, public WrappingView {
  public:
   OptionView(FormView& form, Option& option, wxWindow* parent) : ControlView(form, option), option_(option) {
     none_ = GroupBefore(parent);
@@ -71,15 +121,19 @@ class OptionView : public ControlView {
       none_->Hide();
       none_->SetValue(true);
     }
-    radio_ = new wxRadioButton(parent, wxID_ANY, ToWx(option.Text()));
+    radio_ = new wxRadioButton(parent, wxID_ANY, "");
+    caption_ = std::make_unique<Caption<wxRadioButton>>(*radio_);
+    caption_->Set(ToWx(option.Text()));
     radio_->Bind(wxEVT_RADIOBUTTON, [this](wxCommandEvent&) { User([this] { option_.UserClick(); }); });
   }
 
   wxWindow* Window() const override { return radio_; }
+  void AllowWrap(int least) override { caption_->AllowWrap(least); }
+  bool Rewrap() override { return caption_->Rewrap(); }
 
  protected:
   void ApplyOwn(Changes) override {
-    if (radio_->GetLabel() != ToWx(option_.Text())) radio_->SetLabel(ToWx(option_.Text()));
+    caption_->Set(ToWx(option_.Text()));
     if (option_.Value() && !radio_->GetValue()) radio_->SetValue(true);
     if (!option_.Value() && radio_->GetValue() && !AnotherIsOn()) none_->SetValue(true);
   }
@@ -112,6 +166,7 @@ class OptionView : public ControlView {
   Option& option_;
   wxRadioButton* none_;
   wxRadioButton* radio_;
+  std::unique_ptr<Caption<wxRadioButton>> caption_;
 };
 
 }  // namespace

@@ -42,8 +42,8 @@ class ControlView {
   void Apply(Changes changes);
   /// Moves the focus to the widget.
   virtual void Focus(bool select_all);
-  /// True if the keyboard can work with this kind of control.
-  virtual bool TakesFocus() const { return true; }
+  /// Shows the control's text in `font`.
+  virtual void UseFont(const wxFont& font) { Window()->SetFont(font); }
 
  protected:
   virtual void ApplyOwn(Changes changes) = 0;

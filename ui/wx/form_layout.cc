@@ -19,6 +19,8 @@ constexpr int kOptionGap = 6;      // between check boxes or options
 constexpr int kIndent = 22;        // of what belongs to an option
 constexpr int kButtonWidth = 88;   // least width of a push button
 constexpr int kLeastLabel = 160;   // to which a label may be squeezed on a page
+constexpr int kBandHeight = 86;    // of the title band: title and two lines, so that pages look alike
+constexpr int kBandPicture = 130;  // at its right end, where the words stay away
 constexpr int kDialogLabel = 400;  // and in a dialog
 
 bool IsChoice(const Control& control) {
@@ -274,10 +276,14 @@ void FormLayout::Add(const Layout& child, wxSizer& sizer, bool in_row, int gap) 
     case Layout::Kind::kBand: {
       wxWindow* band = views_[child.control]->Window();
       auto* inner = new wxBoxSizer(wxVERTICAL);
+      inner->AddStretchSpacer(1);
       for (const Layout& part : child.children) Add(part, *inner, false, 0);
-      auto* spaced = new wxBoxSizer(wxVERTICAL);
-      spaced->Add(inner, 1, wxEXPAND | wxALL, Dip(kEdge));
+      inner->AddStretchSpacer(1);
+      auto* spaced = new wxBoxSizer(wxHORIZONTAL);
+      spaced->Add(inner, 1, wxEXPAND | wxLEFT, Dip(kEdge));
+      spaced->AddSpacer(Dip(kBandPicture));
       band->SetSizer(spaced);
+      band->SetMinSize(wxSize(-1, Dip(kBandHeight)));
       sizer.Add(band, 0, wxEXPAND | side, Dip(gap));
       break;
     }

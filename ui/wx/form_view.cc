@@ -18,7 +18,7 @@ namespace {
 
 // The size of a page's panel that its least size is worked out for, at 100 %.
 constexpr int kUsualWidth = 860;
-constexpr int kUsualHeight = 640;
+constexpr int kUsualHeight = 690;
 // A page never asks for more of the screen's height than this share; beyond it its content scrolls.
 constexpr double kScreenShare = 0.6;
 
@@ -62,6 +62,7 @@ FormView::FormView(WxHost& host, Form& form, wxWindow* parent)
   layout.Build(form.Controls());
   scroller_ = layout.Scroller();
   for (ControlView* view : order_) view->Apply(Changes::All());
+  ApplyFont();
   for (const auto& [control, label] : layout.Labels()) {
     SetAccessibleName(ViewOf(*control)->Window(), WithoutAccessKey(label->Text()));
   }
@@ -172,6 +173,15 @@ void FormView::Enable(bool enabled) {
   const bool had_focus = focused && panel_->IsDescendant(focused);
   panel_->Enable(enabled);
   if (!had_focus && last_focus_ && enabled && panel_->IsShownOnScreen()) last_focus_->SetFocus();
+}
+
+void FormView::ApplyFont() {
+  if (form_->TextFont() == font_) return;
+  font_ = form_->TextFont();
+  wxFont shown = panel_->GetFont();
+  if (!font_.face.empty()) shown = wxFont(wxFontInfo(font_.size).FaceName(ToWx(font_.face)));
+  for (ControlView* view : order_) view->UseFont(shown);
+  need_layout_ = true;
 }
 
 void FormView::User(ControlView& view, const std::function<void()>& action) {

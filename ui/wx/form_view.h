@@ -40,6 +40,8 @@ class FormView {
   void FocusSomething();
   /// The form's enabled state.
   void Enable(bool enabled);
+  /// The form's font, where it has one of its own.
+  void ApplyFont();
 
   /// Lets the layout be done anew at the next Flush.
   void NeedLayout() { need_layout_ = true; }
@@ -70,6 +72,7 @@ class FormView {
   std::vector<WrappingView*> wrapping_;
   std::map<const Control*, Changes> pending_;
   wxWindow* last_focus_ = nullptr;
+  Font font_;
   bool need_layout_ = true;
   bool painted_ = false;
 };

@@ -29,19 +29,22 @@ class LabelView : public ControlView, public WrappingView {
         label_(label),
         text_(new wxStaticText(parent, wxID_ANY, ToWxLines(label.Text()), wxDefaultPosition, wxDefaultSize,
                                wxST_NO_AUTORESIZE)) {
-    const bool in_band = dynamic_cast<PicturePanel*>(parent) != nullptr;
-    wxFont font = text_->GetFont();
-    if (label.emphasized) {
-      font.MakeBold();
-      if (in_band) font.Scale(1.35F);
-      text_->SetFont(font);
+    in_band_ = dynamic_cast<PicturePanel*>(parent) != nullptr;
+    if (in_band_) text_->SetForegroundColour(label.emphasized ? kBandTitle : kBandText);
+    LabelView::UseFont(text_->GetFont());
+  }
+
+  void UseFont(const wxFont& font) override {
+    wxFont own = font;
+    if (label_.emphasized) {
+      own.MakeBold();
+      if (in_band_) own.Scale(1.35F);
     }
+    text_->SetFont(own);
     Measure();
-    if (in_band) text_->SetForegroundColour(label.emphasized ? kBandTitle : kBandText);
   }
 
   wxWindow* Window() const override { return text_; }
-  bool TakesFocus() const override { return false; }
 
   void AllowWrap(int least) override {
     least_ = least;
@@ -77,6 +80,7 @@ class LabelView : public ControlView, public WrappingView {
 
   Label& label_;
   wxStaticText* text_;
+  bool in_band_ = false;
   int least_ = 0;
 };
 
@@ -88,7 +92,6 @@ class FrameView : public ControlView {
         box_(new wxStaticBox(parent, wxID_ANY, ToWx(frame.Text()))) {}
 
   wxWindow* Window() const override { return box_; }
-  bool TakesFocus() const override { return false; }
 
  protected:
   void ApplyOwn(Changes) override {
@@ -116,7 +119,7 @@ class ImageView : public ControlView {
   }
 
   wxWindow* Window() const override { return window_; }
-  bool TakesFocus() const override { return false; }
+  void UseFont(const wxFont&) override {}
 
  protected:
   void ApplyOwn(Changes) override {}
@@ -131,7 +134,7 @@ class LineView : public ControlView {
       : ControlView(form, line), line_(new wxStaticLine(parent, wxID_ANY)) {}
 
   wxWindow* Window() const override { return line_; }
-  bool TakesFocus() const override { return false; }
+  void UseFont(const wxFont&) override {}
 
  protected:
   void ApplyOwn(Changes) override {}

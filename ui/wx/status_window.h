@@ -3,6 +3,7 @@
 
 #include <wx/activityindicator.h>
 #include <wx/frame.h>
+#include <wx/panel.h>
 
 namespace kw::ui {
 
@@ -11,10 +12,13 @@ namespace kw::ui {
 class StatusWindow : public wxFrame {
  public:
   StatusWindow(wxWindow* parent, const wxString& title);
+  /// The parent of the form's panel.
+  wxWindow& Base() { return *base_; }
   /// Shows the window, fitted to `panel`, in the middle of `over` (of the screen when null).
   void ShowOver(wxWindow* over, wxWindow& panel, wxSize least);
 
  private:
+  wxPanel* base_;
   wxActivityIndicator* sign_;
 };
 

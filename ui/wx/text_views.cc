@@ -56,7 +56,7 @@ class EditorView : public ControlView {
         editor_(editor),
         field_(new wxTextCtrl(parent, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                               wxTE_MULTILINE | wxTE_DONTWRAP)) {
-    field_->SetFont(wxFont(wxFontInfo(field_->GetFont().GetPointSize()).Family(wxFONTFAMILY_TELETYPE)));
+    EditorView::UseFont(field_->GetFont());
     field_->SetMinSize(field_->FromDIP(wxSize(420, 240)));
     field_->Bind(wxEVT_TEXT, [this](wxCommandEvent&) {
       User([this] {
@@ -67,6 +67,10 @@ class EditorView : public ControlView {
   }
 
   wxWindow* Window() const override { return field_; }
+
+  void UseFont(const wxFont& font) override {
+    field_->SetFont(wxFont(wxFontInfo(font.GetPointSize()).Family(wxFONTFAMILY_TELETYPE)));
+  }
 
  protected:
   void ApplyOwn(Changes) override {

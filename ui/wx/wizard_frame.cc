@@ -13,7 +13,7 @@ namespace {
 
 // At 100 %.
 constexpr int kDefaultWidth = 860;
-constexpr int kDefaultHeight = 640;
+constexpr int kDefaultHeight = 690;
 
 }  // namespace
 

@@ -88,7 +88,7 @@ FormView& WxHost::Ensure(Form& form) {
   } else {
     auto* status = new StatusWindow(frame_, ToWx(form.Caption()));
     windows_[&form] = status;
-    parent = status;
+    parent = &status->Base();
   }
   view = std::make_unique<FormView>(*this, form, parent);
   return *view;
@@ -235,6 +235,7 @@ void WxHost::FormChanged(Form& form) {
   FormView* view = ViewOf(form);
   if (!view) return;
   view->Enable(form.Enabled());
+  view->ApplyFont();
   if (form.Style() == FormStyle::kPage) {
     if (TopPage() == &form) frame_->SetTitle(ToWx(form.Caption()));
   } else {

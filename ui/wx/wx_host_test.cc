@@ -9,11 +9,8 @@
 #include <wx/timer.h>
 #include <wx/uiaction.h>
 
-#include <cstdlib>
-
 #include "ui/wx/testing/sample_forms.h"
-#include "ui/wx/testing/virtual_display.h"
-#include "ui/wx/wx_application.h"
+#include "ui/wx/testing/toolkit.h"
 
 namespace kw::ui {
 namespace {
@@ -24,39 +21,10 @@ using testing::SampleDialog;
 using testing::SamplePage;
 using testing::SampleStatus;
 
-/// The display and the toolkit, started once for all tests.
-class Toolkit : public ::testing::Environment {
- public:
-  void SetUp() override {
-    display_ = testing::VirtualDisplay::Start(1280, 1024);
-    if (!display_) return;
-    static int argc = 1;
-    static char name[] = "ui_wx_test";
-    static char* argv[] = {name, nullptr};
-    Result<std::unique_ptr<WxApplication>> started = WxApplication::Start(argc, argv);
-    if (started.ok()) application_ = std::move(started.value());
-  }
-  void TearDown() override {
-    application_.reset();
-    display_.reset();
-  }
-  static bool Ready() { return application_ != nullptr; }
-  static WxApplication& Application() { return *application_; }
-
- private:
-  static std::unique_ptr<testing::VirtualDisplay> display_;
-  static std::unique_ptr<WxApplication> application_;
-};
-
-std::unique_ptr<testing::VirtualDisplay> Toolkit::display_;
-std::unique_ptr<WxApplication> Toolkit::application_;
-
-const ::testing::Environment* const kToolkit = ::testing::AddGlobalTestEnvironment(new Toolkit);
-
 class WxHostTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!Toolkit::Ready()) GTEST_SKIP() << "no virtual display: Xvfb or openbox is not installed";
+    if (!testing::StartToolkit()) GTEST_SKIP() << "no virtual display: Xvfb or openbox is not installed";
     loop_ = std::make_unique<wxGUIEventLoop>();
     wxEventLoopBase::SetActive(loop_.get());
     host_ = std::make_unique<WxHost>();
@@ -130,15 +98,6 @@ class WxHostTest : public ::testing::Test {
     Serve(at);
   }
 
-  /// For a person to look at: a picture of the screen, where KITWRIGHT_SCREENSHOTS names a folder.
-  void Screenshot(const std::string& name) {
-    const char* folder = std::getenv("KITWRIGHT_SCREENSHOTS");
-    if (!folder) return;
-    Serve();
-    const std::string command = "import -window root '" + std::string(folder) + "/" + name + ".png'";
-    EXPECT_EQ(std::system(command.c_str()), 0);
-  }
-
   std::unique_ptr<wxGUIEventLoop> loop_;
   std::unique_ptr<WxHost> host_;
   std::vector<std::unique_ptr<wxTimer>> timers_;
@@ -150,7 +109,8 @@ TEST_F(WxHostTest, ShowsAPageWithEveryControl) {
   Show(page);
   page.folder.SetText("C:\\Packages\\Kestrane");
   page.first.SetValue(true);
-  Screenshot("page");
+  Serve();
+  testing::TakeScreenshot("page");
   EXPECT_TRUE(host_->Alive());
 }
 
@@ -364,7 +324,7 @@ TEST_F(WxHostTest, AModalDialogReturnsWhenItIsHidden) {
   Show(page);
   dialog.editor.SetText("[general]\r\nname=value\r\n");
   Later(600, [&] {
-    Screenshot("dialog");
+    testing::TakeScreenshot("dialog");
     simulator_.Text("typed");
   });
   Later(1200, [&] { simulator_.Char(WXK_RETURN); });
@@ -382,7 +342,8 @@ TEST_F(WxHostTest, TheStatusWindowIsPaintedByRefreshAndStandsOverItsPage) {
   status.Show();
   status.Refresh();
   EXPECT_TRUE(host_->ViewOf(status)->Painted());
-  Screenshot("status");
+  Serve();
+  testing::TakeScreenshot("status");
   const wxRect over = wxGetTopLevelParent(host_->ViewOf(page)->Panel())->GetScreenRect();
   const wxRect small = wxGetTopLevelParent(host_->ViewOf(status)->Panel())->GetScreenRect();
   EXPECT_NEAR(small.x + small.width / 2, over.x + over.width / 2, 12);

@@ -1,0 +1,44 @@
+#include "ui/wx/testing/toolkit.h"
+
+#include <cstdlib>
+#include <memory>
+#include <utility>
+
+#include "ui/wx/testing/virtual_display.h"
+#include "ui/wx/wx_application.h"
+
+namespace kw::ui::testing {
+
+namespace {
+
+struct Toolkit {
+  Toolkit() {
+    display = VirtualDisplay::Start(1280, 1024);
+    if (!display) return;
+    static int argc = 1;
+    static char name[] = "test";
+    static char* argv[] = {name, nullptr};
+    Result<std::unique_ptr<WxApplication>> started = WxApplication::Start(argc, argv);
+    if (started.ok()) application = std::move(started.value());
+  }
+
+  // The toolkit ends before its display.
+  std::unique_ptr<VirtualDisplay> display;
+  std::unique_ptr<WxApplication> application;
+};
+
+}  // namespace
+
+bool StartToolkit() {
+  static Toolkit toolkit;
+  return toolkit.application != nullptr;
+}
+
+void TakeScreenshot(const std::string& name) {
+  const char* folder = std::getenv("KITWRIGHT_SCREENSHOTS");
+  if (!folder) return;
+  const std::string command = "import -window root '" + std::string(folder) + "/" + name + ".png'";
+  if (std::system(command.c_str()) != 0) std::abort();
+}
+
+}  // namespace kw::ui::testing
