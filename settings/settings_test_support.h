@@ -1,0 +1,79 @@
+#ifndef KITWRIGHT_SETTINGS_SETTINGS_TEST_SUPPORT_H_
+#define KITWRIGHT_SETTINGS_SETTINGS_TEST_SUPPORT_H_
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "settings/branches.h"
+#include "shell/shell_test_support.h"
+
+namespace kw::testing {
+
+using platform::Answer;
+using platform::Hive;
+using platform::RegistryValue;
+using platform::testing::FakeCommand;
+
+/// A form with a list, for what pages add to the review list.
+struct ChoicesForm : ui::Form {
+  explicit ChoicesForm(ui::FormHost& host)
+      : Form(host, "frmChoices", "", ui::FormStyle::kDialog), list(*this, "List1") {}
+  ui::ListBox list;
+  ui::Layout ContentLayout() override { return ui::Place(list); }
+};
+
+/// The whole wizard in settings-file mode with the live system as its source, its folders made.
+struct SettingsFixture : ShellFixture {
+  SettingsFixture() {
+    run.PackageMode = false;
+    run.SettingsFromSystem = true;
+    run.ProductInstallDir = "C:\\Product";
+    run.TempFolder = "C:\\Temp\\run";
+    run.ConfigAppDataFolder = "C:\\Temp\\run\\config";
+    run.SettingsFileName = "KTECFG.CAB";
+    machine.files.AddFolder(run.ProductInstallDir);
+    machine.files.AddFolder(run.ConfigAppDataFolder);
+    table.BuildSettingsPageList();
+  }
+
+  static std::string Staging(const std::string& below) {
+    return std::string("SOFTWARE\\Orvantic\\ZED") + below;
+  }
+  static std::string Live(const std::string& below) { return std::string("SOFTWARE\\Orvantic\\RDX") + below; }
+  static std::string StagingVersion(const std::string& below) {
+    return std::string(kStagingVersionKey) + below;
+  }
+  static std::string LiveVersion(const std::string& below) { return std::string(kLiveVersionKey) + below; }
+  bool HasStaging(const std::string& below) {
+    return machine.registry.HasKey(Hive::kCurrentUser, Staging(below));
+  }
+
+  void SetStagingDword(const std::string& below, const char* name, uint32_t number) {
+    machine.registry.SetDword(Hive::kCurrentUser, Staging(below), name, number);
+  }
+
+  /// Lines that a page adds to the review list.
+  template <typename T>
+  std::vector<std::string> Choices() {
+    ChoicesForm form(host);
+    ui::ListBox& list = form.list;
+    table.Get<T>().AddChoices(list);
+    return list.Items();
+  }
+  /// Shows a page as the current one.
+  template <typename T>
+  T& Show() {
+    T& page = table.Get<T>();
+    page.Show();
+    Take();
+    return page;
+  }
+  std::vector<std::string> Commands() { return machine.processes.CommandLines(); }
+};
+
+}  // namespace kw::testing
+
+#endif  // KITWRIGHT_SETTINGS_SETTINGS_TEST_SUPPORT_H_
