@@ -4,7 +4,7 @@
 
 #include "base/path.h"
 #include "base/text.h"
-#include "platform/embedded/library_abi.h"
+#include "platform/shared/library_abi.h"
 
 namespace kw::platform::embedded {
 namespace {

@@ -12,8 +12,8 @@
 
 namespace kw::platform::embedded {
 
-/// The closed libraries as shared objects, by the interface in library_abi.h. A library is loaded at its
-/// first call and stays for the process's life.
+/// The closed libraries as shared objects, by the interface in platform/shared/library_abi.h. A library is
+/// loaded at its first call and stays for the process's life.
 class EmbeddedClosedLibraries : public ClosedLibraries {
  public:
   EmbeddedClosedLibraries(EmbeddedFileSystem& files, Registry& registry, System& system)

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "platform/shared/registry_trees.h"
+#include "platform/registry_trees.h"
 
 namespace kw::platform::testing {
 namespace {
@@ -29,26 +29,25 @@ Result<int> FakeClosedLibraries::IsAdmin() { return Call("IsAdmin", {}); }
 Result<int> FakeClosedLibraries::RegShDeleteKey(Hive root, const std::string& subkey) {
   KW_ASSIGN_OR_RETURN(const int result, Call("REG_SHDeleteKey", {RootName(root), subkey}));
   // Nobody looks at the result; a branch that is not there is no failure of a test.
-  if (result != 0) DeleteRegistryTree(registry_, root, subkey).IgnoreError();
+  if (result != 0) DeleteTree(registry_, root, subkey).IgnoreError();
   return result;
 }
 
 Result<int> FakeClosedLibraries::RegShDeleteEmptyKey(Hive root, const std::string& subkey) {
   KW_ASSIGN_OR_RETURN(const int result, Call("REG_SHDeleteEmptyKey", {RootName(root), subkey}));
-  return result != 0 && DeleteEmptyRegistryKey(registry_, root, subkey) ? result : 0;
+  return result != 0 && DeleteEmptyKey(registry_, root, subkey) ? result : 0;
 }
 
 Result<int> FakeClosedLibraries::RegShDeleteEmptyKeyEx(Hive root, const std::string& subkey) {
   KW_ASSIGN_OR_RETURN(const int result, Call("REG_SHDeleteEmptyKeyEx", {RootName(root), subkey}));
-  return result != 0 && DeleteEmptyRegistryKeys(registry_, root, subkey) ? result : 0;
+  return result != 0 && DeleteEmptyKeyTree(registry_, root, subkey) ? result : 0;
 }
 
 Result<int> FakeClosedLibraries::RegShCopyKey(Hive root, const std::string& subkey, Hive destination_root,
                                               const std::string& destination) {
   KW_ASSIGN_OR_RETURN(const int result, Call("REG_SHCopyKey", {RootName(root), subkey,
                                                                RootName(destination_root), destination}));
-  const bool copied =
-      result != 0 && CopyRegistryTree(registry_, root, subkey, destination_root, destination).ok();
+  const bool copied = result != 0 && CopyTree(registry_, root, subkey, destination_root, destination).ok();
   return copied ? result : 0;
 }
 

@@ -8,7 +8,7 @@
 #include "base/machine_paths.h"
 #include "base/storage.h"
 #include "base/text.h"
-#include "platform/embedded/library_abi.h"
+#include "platform/shared/library_abi.h"
 
 namespace {
 

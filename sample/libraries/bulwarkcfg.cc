@@ -1,6 +1,6 @@
 // bulwarkcfg: the stand-in for the library that reads and rewrites the firewall's installer.
 
-#include "platform/embedded/library_abi.h"
+#include "platform/shared/library_abi.h"
 #include "sample/libraries/bulwark_installer.h"
 #include "sample/libraries/library_calls.h"
 #include "sample/settings/answers.h"

@@ -12,9 +12,9 @@
 #include "base/machine_config.h"
 #include "base/storage.h"
 #include "base/text.h"
-#include "platform/embedded/library_abi.h"
 #include "platform/embedded/registry.h"
 #include "platform/embedded/temp_machine.h"
+#include "platform/shared/library_abi.h"
 #include "platform/testing/registry_dump.h"
 #include "sample/archive/appended_cabinet.h"
 

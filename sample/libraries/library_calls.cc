@@ -2,7 +2,7 @@
 
 #include "base/machine_config.h"
 #include "base/text.h"
-#include "platform/embedded/library_abi.h"
+#include "platform/shared/library_abi.h"
 
 namespace kw::sample {
 namespace {

@@ -1,6 +1,6 @@
 // TxMailScan: the stand-in for the library with the on-delivery scanner's dialog box.
 
-#include "platform/embedded/library_abi.h"
+#include "platform/shared/library_abi.h"
 #include "sample/libraries/library_calls.h"
 #include "sample/settings/dialog_library.h"
 #include "sample/settings/run_tool.h"

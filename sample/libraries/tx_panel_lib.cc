@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "base/path.h"
-#include "platform/embedded/library_abi.h"
+#include "platform/shared/library_abi.h"
 #include "sample/libraries/library_calls.h"
 #include "sample/libraries/site_list.h"
 #include "sample/settings/answers.h"

@@ -1,6 +1,6 @@
 // TxUnzip: the stand-in for the library that unpacks archives.
 
-#include "platform/embedded/library_abi.h"
+#include "platform/shared/library_abi.h"
 #include "sample/libraries/library_calls.h"
 #include "sample/libraries/zip_archive.h"
 #include "sample/settings/answers.h"

@@ -1,7 +1,7 @@
 // zedutil: the stand-in for the maker's library of registry, cipher and rights helpers.
 
 #include "base/machine_config.h"
-#include "platform/embedded/library_abi.h"
+#include "platform/shared/library_abi.h"
 #include "sample/libraries/cipher.h"
 #include "sample/libraries/library_calls.h"
 #include "sample/libraries/settings_export.h"

@@ -1,5 +1,5 @@
-#ifndef KITWRIGHT_PLATFORM_EMBEDDED_LIBRARY_ABI_H_
-#define KITWRIGHT_PLATFORM_EMBEDDED_LIBRARY_ABI_H_
+#ifndef KITWRIGHT_PLATFORM_SHARED_LIBRARY_ABI_H_
+#define KITWRIGHT_PLATFORM_SHARED_LIBRARY_ABI_H_
 
 /* How the makers' closed libraries are called: plain C functions under their exported names, found in a
    shared object NAME.so on the embedded machine and in NAME.dll on Windows. A stand-in includes this header,
@@ -75,4 +75,4 @@ KITWRIGHT_EXPORT int BWKCreateInstallerA(const char* installer, const char* pref
 }
 #endif
 
-#endif /* KITWRIGHT_PLATFORM_EMBEDDED_LIBRARY_ABI_H_ */
+#endif /* KITWRIGHT_PLATFORM_SHARED_LIBRARY_ABI_H_ */
