@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/wx/label_text.h"
+
 namespace kw::ui {
 
 namespace {
@@ -283,7 +285,7 @@ void FormLayout::Add(const Layout& child, wxSizer& sizer, bool in_row, int gap) 
       spaced->Add(inner, 1, wxEXPAND | wxLEFT, Dip(kEdge));
       spaced->AddSpacer(Dip(kBandPicture));
       band->SetSizer(spaced);
-      band->SetMinSize(wxSize(-1, Dip(kBandHeight)));
+      band->SetMinSize(wxSize(-1, ScaledSize(*band, wxSize(0, kBandHeight)).y));
       sizer.Add(band, 0, wxEXPAND | side, Dip(gap));
       break;
     }

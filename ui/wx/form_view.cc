@@ -9,6 +9,7 @@
 
 #include "ui/wx/accessibility.h"
 #include "ui/wx/form_layout.h"
+#include "ui/wx/label_text.h"
 #include "ui/wx/wx_host.h"
 #include "ui/wx/wx_text.h"
 
@@ -35,7 +36,6 @@ bool BeginsHere(const Control& control) {
     case ControlKind::kCheckBox:
     case ControlKind::kOption:
     case ControlKind::kComboBox:
-    case ControlKind::kListBox:
     case ControlKind::kGrid:
       return control.UserCanUse() && IsChoiceOn(control);
     case ControlKind::kTree:
@@ -68,7 +68,7 @@ FormView::FormView(WxHost& host, Form& form, wxWindow* parent)
   }
   if (scroller_) {
     // What the content needs depends on how its labels break, hence on the width that pages usually have.
-    panel_->SetSize(panel_->FromDIP(wxSize(kUsualWidth, kUsualHeight)));
+    panel_->SetSize(ScaledSize(*panel_, wxSize(kUsualWidth, kUsualHeight)));
     DoLayout();
     const wxSize content = scroller_->GetSizer()->CalcMin();
     const int most = static_cast<int>(wxDisplay(parent).GetClientArea().height * kScreenShare);

@@ -39,6 +39,12 @@ size_t FittingLength(const wxWindow& window, const wxString& line, int width) {
 
 }  // namespace
 
+wxSize ScaledSize(const wxWindow& window, wxSize size) {
+  constexpr int kUsualLetterHeight = 17;
+  const double factor = static_cast<double>(window.GetCharHeight()) / window.FromDIP(kUsualLetterHeight);
+  return window.FromDIP(size) * std::max(1.0, factor);
+}
+
 wxSize TextExtent(const wxWindow& window, const wxString& text) {
   wxSize whole(0, 0);
   for (const wxString& line : wxSplit(text, '\n', '\0')) {

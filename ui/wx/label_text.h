@@ -5,6 +5,10 @@
 
 namespace kw::ui {
 
+/// `size`, given for 100 % and the usual font, for the window's scale and font: who asks for larger letters
+/// gets larger windows.
+wxSize ScaledSize(const wxWindow& window, wxSize size);
+
 /// Size of `text` (with line feeds, and "&" marks that are not drawn) in the window's font, in pixels.
 wxSize TextExtent(const wxWindow& window, const wxString& text);
 

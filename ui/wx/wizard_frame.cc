@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "ui/wx/art.h"
+#include "ui/wx/label_text.h"
 
 namespace kw::ui {
 
@@ -28,7 +29,7 @@ WizardFrame::WizardFrame(std::function<void()> on_close)
   // Some window managers offer the command all the same.
   Bind(wxEVT_MAXIMIZE, [this](wxMaximizeEvent&) { CallAfter([this] { Maximize(false); }); });
   Bind(wxEVT_SIZE, [this](wxSizeEvent&) { Fill(); });
-  SetClientSize(FromDIP(wxSize(kDefaultWidth, kDefaultHeight)));
+  SetClientSize(ScaledSize(*this, wxSize(kDefaultWidth, kDefaultHeight)));
   const wxRect screen = wxDisplay(this).GetClientArea();
   SetSize(std::min(GetSize().x, screen.width), std::min(GetSize().y, screen.height));
   CentreOnScreen();

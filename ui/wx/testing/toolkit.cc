@@ -13,7 +13,8 @@ namespace {
 
 struct Toolkit {
   Toolkit() {
-    display = VirtualDisplay::Start(1280, 1024);
+    // Large enough for a page at twice its size.
+    display = VirtualDisplay::Start(1920, 1536);
     if (!display) return;
     static int argc = 1;
     static char name[] = "test";
