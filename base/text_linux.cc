@@ -108,6 +108,8 @@ Result<std::string> Utf8ToCodePage(std::string_view utf8, int code_page) {
 
 std::string CodePageToUtf8(std::string_view bytes, int code_page) {
   if (IsAscii(bytes)) return std::string(bytes);
+  // The system's converter lets characters beyond Unicode pass.
+  if (code_page == 65001) return Utf16ToUtf8(Utf8ToUtf16(bytes));
   Converter converter("UTF-8", IconvName(code_page));
   std::string out;
   if (!converter.ok()) return CodePageToUtf8(bytes, 28591);

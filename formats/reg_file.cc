@@ -9,6 +9,7 @@ namespace kw::formats {
 namespace {
 
 constexpr std::string_view kBlanks = " \t";
+constexpr int kUtf8Page = 65001;
 
 std::string_view TrimLeft(std::string_view text) {
   const size_t begin = text.find_first_not_of(kBlanks);
@@ -220,7 +221,7 @@ Result<RegFile> ParseRegFile(std::string_view bytes, int code_page) {
   } else if (bytes.starts_with(kUtf16BigMark)) {
     text = Utf16LeBytesToUtf8(SwapBytePairs(bytes.substr(kUtf16BigMark.size())));
   } else if (bytes.starts_with(kUtf8Mark)) {
-    text = std::string(bytes.substr(kUtf8Mark.size()));
+    text = CodePageToUtf8(bytes.substr(kUtf8Mark.size()), kUtf8Page);
   } else {
     text = std::string(bytes);
     decoded = false;
@@ -236,6 +237,6 @@ Result<RegFile> ParseRegFile(std::string_view bytes, int code_page) {
   return Parser(text, !old_format, code_page).Parse();
 }
 
-RegFile ParseRegLines(std::string_view utf8) { return Parser(utf8, true, 65001).Parse(); }
+RegFile ParseRegLines(std::string_view utf8) { return Parser(utf8, true, kUtf8Page).Parse(); }
 
 }  // namespace kw::formats

@@ -21,6 +21,7 @@ constexpr unsigned kWriteFlags = pugi::format_raw | pugi::format_no_escapes | pu
 // Deeper nesting is taken for an attack; what walks a document may then recurse.
 constexpr int kMaxDepth = 1000;
 constexpr int kUtf8 = 65001;
+constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD";
 
 struct NamedEntity {
   std::string_view name;
@@ -124,7 +125,7 @@ std::string Escape(std::string_view text) {
     } else if (c == '\r') {
       out += "&#13;";
     } else if (!IsXmlCharacter(byte)) {
-      out += "\xEF\xBF\xBD";
+      out += kReplacementCharacter;
     } else {
       out += c;
     }
@@ -134,7 +135,7 @@ std::string Escape(std::string_view text) {
 
 // The encoding that the declaration at the start of 8-bit text names; "" without one.
 std::string DeclaredEncoding(std::string_view bytes) {
-  if (!bytes.starts_with("<?xml")) return {};
+  if (!bytes.starts_with("<?xml") || bytes.find_first_of(" \t\r\n") != 5) return {};
   std::string_view head = bytes.substr(0, bytes.find("?>"));
   const size_t at = head.find("encoding");
   if (at == std::string_view::npos) return {};
@@ -300,8 +301,18 @@ Result<std::unique_ptr<XmlText>> XmlText::Parse(std::string_view bytes) {
       return {kErrorInvalidData, "The XML text holds bytes that are no UTF-8."};
     }
     text = CodePageToUtf8(bytes, xml->encoding_);
+    if (xml->encoding_ != kUtf8 && text.find(kReplacementCharacter) != std::string::npos) {
+      return {kErrorInvalidData, "The XML text holds bytes that its encoding does not have."};
+    }
   }
   KW_RETURN_IF_ERROR(xml->Load(std::move(text)));
+  if (xml->encoding_ >= 0 && !xml->utf8_mark_) {
+    const pugi::xml_node first = xml->document_.first_child();
+    const bool declared = first.type() == pugi::node_declaration;
+    if (ToUpper(declared ? first.attribute("encoding").value() : "") != DeclaredEncoding(bytes)) {
+      return {kErrorInvalidData, "The XML text has a bad declaration in line 1."};
+    }
+  }
   return xml;
 }
 

@@ -60,6 +60,7 @@ class RegistryKey {
   /// A value ("" is the default value). kErrorFileNotFound when absent; kErrorMoreData when its 8-bit size is
   /// over `buffer_size` bytes.
   virtual Result<RegistryValue> QueryValue(std::string_view name, uint32_t buffer_size) = 0;
+  /// kErrorInvalidParameter when the name, or the data of a text type, is no UTF-8.
   virtual Status SetValue(std::string_view name, const RegistryValue& value) = 0;
   virtual Status DeleteValue(std::string_view name) = 0;
   /// Name of the subkey at `index`, in sorted order; kErrorNoMoreItems behind the last, kErrorMoreData when

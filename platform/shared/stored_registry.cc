@@ -30,6 +30,9 @@ class StoredKey : public RegistryKey {
 
   Status SetValue(std::string_view name, const RegistryValue& value) override {
     if (!(access_ & kKeySet)) return Denied();
+    if (!IsValidUtf8(name) || (formats::RegTypeIsText(value.type) && !IsValidUtf8(value.data))) {
+      return {kErrorInvalidParameter, "A value for the registry key " + Name() + " is no UTF-8 text."};
+    }
     return store_->Change(hive_, [&](const RegistryTree& tree) -> Result<RegFile> {
       const RegistryTree::Key* const key = tree.Find(path_);
       if (key == nullptr) return Deleted();
@@ -138,7 +141,7 @@ Result<std::unique_ptr<RegistryKey>> StoredRegistry::OpenKey(Hive hive, std::str
 
 Result<std::unique_ptr<RegistryKey>> StoredRegistry::CreateKey(Hive hive, std::string_view path,
                                                                uint32_t access) {
-  if (path.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos) {
+  if (!IsValidUtf8(path) || path.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos) {
     return {kErrorInvalidParameter, "A registry key cannot be called " + FullName(hive, path) + "."};
   }
   KW_RETURN_IF_ERROR(store_->Change(hive, [&](const RegistryTree& tree) -> Result<RegFile> {
