@@ -27,6 +27,44 @@ class TempRoot : public TempMachine {
   void Write(const std::string& name, const std::string& bytes) const { Put("registry/" + name, bytes); }
 };
 
+// Host files on a disk that can run full: half of what is written arrives.
+class FullDisk : public Storage {
+ public:
+  bool full = false;
+
+  Result<std::unique_ptr<StorageFile>> Open(const std::string& path, Mode mode) override {
+    KW_ASSIGN_OR_RETURN(auto file, SystemStorage().Open(path, mode));
+    return std::unique_ptr<StorageFile>(std::make_unique<File>(*this, std::move(file)));
+  }
+  Status Rename(const std::string& from, const std::string& to) override {
+    return SystemStorage().Rename(from, to);
+  }
+  Status Remove(const std::string& path) override { return SystemStorage().Remove(path); }
+  bool Exists(const std::string& path) override { return SystemStorage().Exists(path); }
+  Status CreateFolder(const std::string& path) override { return SystemStorage().CreateFolder(path); }
+
+ private:
+  class File : public StorageFile {
+   public:
+    File(const FullDisk& disk, std::unique_ptr<StorageFile> file) : disk_(disk), file_(std::move(file)) {}
+    Result<size_t> ReadAt(uint64_t offset, std::span<std::byte> buffer) override {
+      return file_->ReadAt(offset, buffer);
+    }
+    Status WriteAt(uint64_t offset, std::span<const std::byte> data) override {
+      if (!disk_.full) return file_->WriteAt(offset, data);
+      file_->WriteAt(offset, data.first(data.size() / 2)).IgnoreError();
+      return {kErrorDiskFull, "The disk is full."};
+    }
+    Result<uint64_t> Size() override { return file_->Size(); }
+    Status Truncate(uint64_t size) override { return file_->Truncate(size); }
+    Status Sync() override { return file_->Sync(); }
+
+   private:
+    const FullDisk& disk_;
+    std::unique_ptr<StorageFile> file_;
+  };
+};
+
 class EmbeddedUnderTest : public testing::RegistryUnderTest {
  public:
   Registry& TheRegistry() override { return registry_; }
@@ -282,6 +320,27 @@ TEST(EmbeddedRegistry, ConcurrentWritersLoseNothing) {
   for (uint32_t writer = 0; writer < kWriters; ++writer) {
     EXPECT_EQ(GetDword(registry, Hive::kCurrentUser, "Own " + std::to_string(writer), "last"), kValues - 1);
   }
+}
+
+TEST(EmbeddedRegistry, ADiskThatIsFullKeepsTheOldStateAndSaysSo) {
+  const TempRoot root;
+  FullDisk disk;
+  {
+    EmbeddedRegistry registry(root.root(), 1252, disk);
+    SetDword(registry, Hive::kCurrentUser, "X", "n", 1);
+    const auto key = registry.OpenKey(Hive::kCurrentUser, "X", kKeyReadWrite);
+    ASSERT_TRUE(key.ok());
+    disk.full = true;
+    EXPECT_EQ((*key)->SetValue("n", RegistryValue::OfDword(2)).number(), kErrorDiskFull);
+    EXPECT_EQ((*key)->QueryValue("n", 255)->Dword(0), 1u);
+    EXPECT_EQ(registry.Flush().number(), kErrorDiskFull);
+    EXPECT_FALSE(std::filesystem::exists(root.File("HKEY_CURRENT_USER.reg")));
+    disk.full = false;
+    EXPECT_TRUE((*key)->SetValue("n", RegistryValue::OfDword(3)).ok());
+    disk.full = true;
+  }
+  EmbeddedRegistry registry(root.root(), 1252);
+  EXPECT_EQ(GetDword(registry, Hive::kCurrentUser, "X", "n"), 3u);
 }
 
 TEST(EmbeddedRegistry, ALongJournalIsFoldedInOnTheWay) {
