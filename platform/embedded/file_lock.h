@@ -25,6 +25,8 @@ class FileLock {
   /// Waits for the lock. Not to be nested.
   Status Acquire(Mode mode);
   void Release();
+  /// True once the lock was acquired for the first time.
+  bool IsOpen() const { return fd_ >= 0; }
 
  private:
   std::string path_;
@@ -39,6 +41,10 @@ struct FileIdentity {
   int64_t size = 0;
   int64_t changed = 0;  ///< nanoseconds
   bool operator==(const FileIdentity&) const = default;
+  /// True for the same file, whatever it holds now.
+  bool SameFileAs(const FileIdentity& other) const {
+    return exists == other.exists && device == other.device && number == other.number;
+  }
 
   static FileIdentity Of(const std::string& path);
 };

@@ -101,7 +101,14 @@ RegistryFiles::~RegistryFiles() { Flush().IgnoreError(); }
 // The file is looked at before the journal: a fold replaces the file first.
 bool RegistryFiles::IsPresent(const HiveState& state) {
   return state.loaded && FileIdentity::Of(state.file) == state.file_seen &&
-         FileIdentity::Of(state.journal) == state.journal_seen;
+         JournalIsAsSeen(state, FileIdentity::Of(state.journal));
+}
+
+// A journal only grows, so that its size tells, unless it ends in a record that was cut off: another one may
+// have taken that one's place.
+bool RegistryFiles::JournalIsAsSeen(const HiveState& state, const FileIdentity& journal) {
+  return journal.SameFileAs(state.journal_seen) && journal.size == state.journal_seen.size &&
+         static_cast<uint64_t>(journal.size) == state.journal_end;
 }
 
 Result<const RegistryTree*> RegistryFiles::Read(Hive hive) {
@@ -119,9 +126,11 @@ Result<const RegistryTree*> RegistryFiles::Read(Hive hive) {
 }
 
 Status RegistryFiles::Change(Hive hive, const Decide& decide) {
-  std::error_code error;
-  std::filesystem::create_directories(folder_, error);
-  if (error) return {kErrorAccessDenied, "Could not make " + folder_ + ": " + error.message() + "."};
+  if (!lock_.IsOpen()) {
+    std::error_code error;
+    std::filesystem::create_directories(folder_, error);
+    if (error) return {kErrorAccessDenied, "Could not make " + folder_ + ": " + error.message() + "."};
+  }
   const Locked locked(lock_, FileLock::Mode::kExclusive);
   KW_RETURN_IF_ERROR(locked.status());
   KW_RETURN_IF_ERROR(Refresh(hive));
@@ -140,13 +149,14 @@ Status RegistryFiles::Refresh(Hive hive) {
   HiveState& state = State(hive);
   const FileIdentity file = FileIdentity::Of(state.file);
   const FileIdentity journal = FileIdentity::Of(state.journal);
-  const bool continues = state.loaded && file == state.file_seen && journal.exists &&
-                         journal.size >= static_cast<int64_t>(state.journal_end) &&
-                         (!state.journal_seen.exists || (journal.number == state.journal_seen.number &&
-                                                         journal.device == state.journal_seen.device));
-  if (continues && journal == state.journal_seen) return {};
+  const bool same_file = state.loaded && file == state.file_seen;
+  if (same_file && JournalIsAsSeen(state, journal)) return {};
+  const bool same_journal = !state.journal_seen.exists || journal.SameFileAs(state.journal_seen);
+  const bool continues =
+      same_file && journal.exists && same_journal && journal.size >= static_cast<int64_t>(state.journal_end);
   state.loaded = false;
   if (!continues) {
+    state.journal_writer.reset();
     state.journal_end = 0;
     KW_RETURN_IF_ERROR(LoadFile(hive));
   }
@@ -193,20 +203,24 @@ Status RegistryFiles::ReplayJournal(HiveState& state) {
 }
 
 Status RegistryFiles::Append(HiveState& state, std::string_view record) {
-  const auto mode = state.journal_seen.exists ? Storage::Mode::kReadWrite : Storage::Mode::kCreateAlways;
-  KW_ASSIGN_OR_RETURN(const auto file, storage_.Open(state.journal, mode));
+  if (!state.journal_writer) {
+    const auto mode = state.journal_seen.exists ? Storage::Mode::kReadWrite : Storage::Mode::kCreateAlways;
+    KW_ASSIGN_OR_RETURN(state.journal_writer, storage_.Open(state.journal, mode));
+    state.journal_seen = FileIdentity::Of(state.journal);
+  }
+  StorageFile& writer = *state.journal_writer;
   // A record that a kill cut off must not stand between whole ones.
   if (state.journal_seen.size > static_cast<int64_t>(state.journal_end)) {
-    KW_RETURN_IF_ERROR(file->Truncate(state.journal_end));
+    KW_RETURN_IF_ERROR(writer.Truncate(state.journal_end));
   }
-  const Status written = file->WriteAt(state.journal_end, std::as_bytes(std::span(record)));
-  if (written.ok()) {
-    state.journal_end += record.size();
-  } else {
-    file->Truncate(state.journal_end).IgnoreError();  // else the checksum tells
+  if (Status status = writer.WriteAt(state.journal_end, std::as_bytes(std::span(record))); !status.ok()) {
+    writer.Truncate(state.journal_end).IgnoreError();  // else the checksum tells
+    state.journal_seen = FileIdentity::Of(state.journal);
+    return status;
   }
-  state.journal_seen = FileIdentity::Of(state.journal);
-  return written;
+  state.journal_end += record.size();
+  state.journal_seen.size = static_cast<int64_t>(state.journal_end);
+  return {};
 }
 
 Status RegistryFiles::Fold(Hive hive) {
@@ -215,6 +229,7 @@ Status RegistryFiles::Fold(Hive hive) {
   RegistryTree::Write(state.tree.root(), std::string(HiveName(hive)), writer);
   KW_RETURN_IF_ERROR(WriteFileAtomically(storage_, state.file, writer.File()));
   state.file_seen = FileIdentity::Of(state.file);
+  state.journal_writer.reset();
   KW_RETURN_IF_ERROR(storage_.Remove(state.journal));
   state.journal_seen = FileIdentity::Of(state.journal);
   state.journal_end = 0;

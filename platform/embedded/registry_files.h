@@ -2,6 +2,7 @@
 #define KITWRIGHT_PLATFORM_EMBEDDED_REGISTRY_FILES_H_
 
 #include <array>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -40,12 +41,14 @@ class RegistryFiles : public RegistryStore {
     bool loaded = false;
     FileIdentity file_seen;
     FileIdentity journal_seen;
-    uint64_t journal_end = 0;  // behind the last whole record
+    uint64_t journal_end = 0;                     // behind the last whole record
+    std::unique_ptr<StorageFile> journal_writer;  // to the journal seen, once this store has appended to it
     RegistryTree tree;
   };
 
   HiveState& State(Hive hive) { return hives_[hive == Hive::kCurrentUser ? 0 : 1]; }
   static bool IsPresent(const HiveState& state);
+  static bool JournalIsAsSeen(const HiveState& state, const FileIdentity& journal);
   Status Refresh(Hive hive);
   Status LoadFile(Hive hive);
   Status ReplayJournal(HiveState& state);
