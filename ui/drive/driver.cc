@@ -5,16 +5,19 @@
 
 namespace kw::ui::drive {
 
-Driver::Driver(std::istream& script, std::ostream& out, platform::Processes& processes,
-               platform::ClosedLibraries& libraries)
-    : run_(script, out),
-      host_(run_, queue_),
-      dialogs_(run_, queue_),
-      recorded_processes_(processes, run_.transcript()),
-      processes_(recorded_processes_),
-      libraries_(libraries, run_.transcript()) {
+Driver::Driver(std::istream& script, std::ostream& out)
+    : run_(script, out), host_(run_, queue_), dialogs_(run_, queue_) {
   host_.OnModalTurn([this] { CarryOutNext(); });
-  host_.OnEventTurn([this] { processes_.EventTurn(); });
+}
+
+void Driver::Attach(platform::Services& services) {
+  recorded_processes_.emplace(*services.processes, run_.transcript());
+  processes_.emplace(*recorded_processes_);
+  libraries_.emplace(*services.libraries, run_.transcript());
+  services.processes = &*processes_;
+  services.libraries = &*libraries_;
+  services.dialogs = &dialogs_;
+  host_.OnEventTurn([this] { processes_->EventTurn(); });
 }
 
 int Driver::Run(const std::function<void()>& entry) {

@@ -3,13 +3,13 @@
 
 #include <functional>
 #include <istream>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "platform/closed_libraries.h"
-#include "platform/processes.h"
+#include "platform/services.h"
 #include "platform/shared/recording.h"
 #include "ui/drive/answer_queue.h"
 #include "ui/drive/script_dialogs.h"
@@ -23,14 +23,14 @@ namespace kw::ui::drive {
 /// libraries that the wizard sees, and prints a transcript of all that goes through them.
 class Driver {
  public:
-  /// All arguments outlive the driver.
-  Driver(std::istream& script, std::ostream& out, platform::Processes& processes,
-         platform::ClosedLibraries& libraries);
+  /// Both outlive the driver.
+  Driver(std::istream& script, std::ostream& out);
 
   FormHost& Host() { return host_; }
   platform::Dialogs& Dialogs() { return dialogs_; }
-  platform::Processes& Processes() { return processes_; }
-  platform::ClosedLibraries& Libraries() { return libraries_; }
+  /// Puts the driver's own dialogs, processes and closed libraries into a machine's services; the latter two
+  /// pass on to those that were there, which outlive the driver. Before Run.
+  void Attach(platform::Services& services);
 
   /// Finds a form that the script names and nothing has made yet; gives a null pointer for a name that the
   /// program does not know.
@@ -86,9 +86,9 @@ class Driver {
   AnswerQueue queue_;
   ScriptHost host_;
   ScriptDialogs dialogs_;
-  platform::RecordingProcesses recorded_processes_;
-  ScriptProcesses processes_;
-  platform::RecordingClosedLibraries libraries_;
+  std::optional<platform::RecordingProcesses> recorded_processes_;
+  std::optional<ScriptProcesses> processes_;
+  std::optional<platform::RecordingClosedLibraries> libraries_;
   std::function<Form*(std::string_view)> find_form_;
   /// A "meanwhile" command is at work, within another one.
   bool meanwhile_ = false;

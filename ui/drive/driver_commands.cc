@@ -182,7 +182,7 @@ void Driver::File(const std::string& text) { queue_.Add(Queued::kFile, PlainText
 void Driver::Folder(const std::string& text) { queue_.Add(Queued::kFolder, PlainText(text)); }
 
 void Driver::Meanwhile(const std::string& text) {
-  processes_.QueueMeanwhile([this, text, line = run_.Line()] {
+  processes_->QueueMeanwhile([this, text, line = run_.Line()] {
     const int present = run_.Line();
     const bool within = std::exchange(meanwhile_, true);
     run_.SetLine(line);
@@ -198,7 +198,7 @@ void Driver::Set(const std::string& text) {
   if (equals == std::string::npos || equals == 0) {
     run_.Stop("set needs NAME=VALUE");
   } else {
-    processes_.SetEnvironment(text.substr(0, equals), PlainText(text.substr(equals + 1)));
+    processes_->SetEnvironment(text.substr(0, equals), PlainText(text.substr(equals + 1)));
   }
 }
 

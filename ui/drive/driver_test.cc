@@ -63,7 +63,11 @@ class DriverTest : public ::testing::Test {
   void Run(const std::string& script) {
     std::istringstream in(script);
     std::ostringstream out;
-    Driver driver(in, out, processes, libraries);
+    Driver driver(in, out);
+    platform::Services services;
+    services.processes = &processes;
+    services.libraries = &libraries;
+    driver.Attach(services);
     SamplePage page_one(driver.Host(), "frmOne");
     SamplePage page_two(driver.Host(), "frmTwo");
     SamplePage the_dialog(driver.Host(), "frmDialog", FormStyle::kDialog);
@@ -73,9 +77,9 @@ class DriverTest : public ::testing::Test {
     dialog = &the_dialog;
     status_window = &the_status;
     host = &driver.Host();
-    dialogs = &driver.Dialogs();
-    tools = &driver.Processes();
-    closed = &driver.Libraries();
+    dialogs = services.dialogs;
+    tools = services.processes;
+    closed = services.libraries;
     if (set_up) set_up();
     driver.OnUnknownForm([&](std::string_view name) -> Form* {
       if (name != "frmLate") return nullptr;
