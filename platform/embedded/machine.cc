@@ -26,8 +26,10 @@ EmbeddedMachine::EmbeddedMachine(const MachinePaths& paths, Dialogs& dialogs)
   };
 }
 
-Result<std::unique_ptr<EmbeddedMachine>> MakeEmbeddedMachine(const MachinePaths& paths, Dialogs& dialogs) {
+Result<std::unique_ptr<EmbeddedMachine>> MakeEmbeddedMachine(const MachinePaths& given, Dialogs& dialogs) {
   std::error_code error;
+  // The host's current folder changes, so the machine's must not be relative to it.
+  const MachinePaths paths(std::filesystem::absolute(given.root(), error).string(), given.current());
   std::filesystem::create_directories(paths.root() + "/drive_c", error);
   if (error) {
     return Error{kErrorPathNotFound,

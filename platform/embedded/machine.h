@@ -38,8 +38,8 @@ class EmbeddedMachine {
 };
 
 /// Makes the machine's folder and its drive C: where they are missing, the current folder this process's, and
-/// KITWRIGHT_ROOT what `paths` says, for closed libraries and children. Fails when the folder cannot be made.
-Result<std::unique_ptr<EmbeddedMachine>> MakeEmbeddedMachine(const MachinePaths& paths, Dialogs& dialogs);
+/// KITWRIGHT_ROOT what `given` says, for closed libraries and children. Fails when the folder cannot be made.
+Result<std::unique_ptr<EmbeddedMachine>> MakeEmbeddedMachine(const MachinePaths& given, Dialogs& dialogs);
 
 }  // namespace kw::platform::embedded
 

@@ -74,6 +74,15 @@ TEST_F(EmbeddedMachineTest, ANewMachineBeginsWithADrive) {
   EXPECT_EQ(MachinePaths::OfThisProcess().root(), paths.root());
 }
 
+TEST_F(EmbeddedMachineTest, AMachineNamedByARelativePathStaysItselfElsewhere) {
+  std::filesystem::current_path(std::filesystem::path(folder.root()).parent_path());
+  const std::string name = std::filesystem::path(folder.root()).filename().string();
+  auto made = MakeEmbeddedMachine(MachinePaths(name, "C:\\Work"), dialogs);
+  ASSERT_TRUE(made.ok());
+  EXPECT_TRUE((*made)->files.FolderExists("C:\\Work"));
+  EXPECT_EQ(std::string(std::getenv("KITWRIGHT_ROOT")), folder.root());
+}
+
 TEST_F(EmbeddedMachineTest, ACurrentFolderThatIsGoneLeavesTheRoot) {
   auto made = MakeEmbeddedMachine(MachinePaths(folder.root(), "C:\\Gone"), dialogs);
   ASSERT_TRUE(made.ok());
