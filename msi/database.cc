@@ -11,6 +11,8 @@
 namespace kw::msi {
 namespace {
 
+constexpr size_t kMaxPrepared = 256;
+
 // The files that this process has open for writing: a second writer would not see the first one's sectors.
 class OpenFiles {
  public:
@@ -99,8 +101,22 @@ Database::~Database() = default;
 
 Result<std::unique_ptr<View>> Database::OpenView(std::string_view sql) {
   static std::atomic<uint64_t> last_id{0};
-  KW_ASSIGN_OR_RETURN(Statement statement, ParseSql(sql));
-  std::unique_ptr<View> view(new View(core_, std::move(statement), ++last_id));
+  std::shared_ptr<Prepared>& prepared = prepared_[std::string(sql)];
+  if (!prepared) {
+    Result<Statement> statement = ParseSql(sql);
+    if (!statement.ok()) {
+      prepared_.erase(std::string(sql));
+      return statement.error();
+    }
+    // Statements with their values in the text differ each time; no more than some are worth keeping.
+    if (prepared_.size() > kMaxPrepared) {
+      prepared_.clear();
+      return OpenView(sql);
+    }
+    prepared = std::make_shared<Prepared>();
+    prepared->statement = *std::move(statement);
+  }
+  std::unique_ptr<View> view(new View(core_, prepared, ++last_id));
   KW_RETURN_IF_ERROR(view->CheckNames());
   return view;
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "base/result.h"
 #include "base/storage.h"
@@ -70,6 +71,7 @@ class Database {
   explicit Database(std::shared_ptr<Core> core) : core_(std::move(core)) {}
 
   std::shared_ptr<Core> core_;
+  std::unordered_map<std::string, std::shared_ptr<Prepared>> prepared_;  // by their text
 };
 
 }  // namespace kw::msi

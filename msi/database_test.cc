@@ -26,7 +26,7 @@ TEST_F(DatabaseTest, StreamsComeBackAndAreReadInPieces) {
     for (size_t i = 0; i < size; ++i) content.push_back(static_cast<char>(i * 7 + i / 251));
     Record record(1);
     KW_EXPECT_OK(record.SetStream(1, storage, "in.bin"));
-    const std::string name = "s" + std::to_string(size);
+    const std::string name = Numbered("s", static_cast<long long>(size));
     auto view = Get(db->OpenView("insert into `Binary` (`Data`, `Name`) values (?, '" + name + "')"));
     KW_EXPECT_OK(view->Execute(&record));
     view.reset();

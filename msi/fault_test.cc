@@ -116,10 +116,11 @@ TEST_F(FaultTest, DirectModeShowsEachStatementAndKeepsTheFileWhole) {
   for (int i = 0; i < 40; ++i) {
     KW_EXPECT_OK(RunSql(*direct,
                         "update `Property` set `Value` = ? where `Property` = 'P" + std::to_string(i) + "'",
-                        {T("direct " + std::to_string(i))}));
+                        {T(Numbered("direct ", static_cast<long long>(i)))}));
     if (i % 10 == 3) {
       KW_EXPECT_OK(RunSql(*direct, "insert into `Binary` (`Name`, `Data`) values (?, ?)",
-                          {T("b" + std::to_string(i)), FileValue(storage, i % 20 == 3 ? "small" : "large")}));
+                          {T(Numbered("b", static_cast<long long>(i))),
+                           FileValue(storage, i % 20 == 3 ? "small" : "large")}));
     }
     storage.Content("copy.msi") = storage.Content("a.msi");
     EXPECT_EQ(DumpOf("copy.msi"), Dump(*direct)) << i;

@@ -25,20 +25,10 @@ Comparison Turned(Comparison comparison) {
 
 }  // namespace
 
-Result<Value> ConstantValue(const Operand& operand, const Record* parameters) {
-  switch (operand.kind) {
-    case Operand::Kind::kText:
-      return Value::Text(operand.text);
-    case Operand::Kind::kInteger:
-      return Value::Integer(operand.integer);
-    case Operand::Kind::kParameter:
-      if (parameters && operand.parameter <= parameters->FieldCount())
-        return parameters->value(operand.parameter);
-      return {kErrorInvalidParameter, "The statement wants more parameters than it was given."};
-    case Operand::Kind::kColumn:
-      break;
-  }
-  return {kErrorBadQuerySyntax, "The column " + operand.column.column + " stands where a value is wanted."};
+Result<const Value*> Query::ValueOf(const Side& side, const Record* parameters) {
+  if (side.parameter == 0) return &side.constant;
+  if (parameters && side.parameter <= parameters->FieldCount()) return &parameters->value(side.parameter);
+  return {kErrorInvalidParameter, "The statement wants more parameters than it was given."};
 }
 
 Result<Query> Query::Bind(Core& core, const Statement& statement) {
@@ -60,7 +50,25 @@ Result<Query> Query::Bind(Core& core, const Statement& statement) {
   } else {
     query.tests_.push_back(std::move(all));
   }
+  query.FindKeyTests();
   return query;
+}
+
+void Query::FindKeyTests() {
+  const std::vector<int>& key = tables_[0]->key_columns();
+  if (tables_.size() != 1 || tests_.size() != key.size()) return;
+  std::vector<int> found;
+  for (const int column : key) {
+    for (size_t i = 0; i < tests_.size(); ++i) {
+      const Test& test = tests_[i];
+      if (test.kind == Condition::Kind::kCompare && test.comparison == Comparison::kEqual &&
+          test.left.is_column && !test.right.is_column && test.left.column.column == column) {
+        found.push_back(static_cast<int>(i));
+        break;
+      }
+    }
+  }
+  if (found.size() == key.size()) key_tests_ = std::move(found);
 }
 
 Result<BoundColumn> Query::Resolve(const ColumnName& name) const {
@@ -79,7 +87,9 @@ Result<Query::Side> Query::BindSide(const Operand& operand) const {
   if (side.is_column) {
     KW_ASSIGN_OR_RETURN(side.column, Resolve(operand.column));
   } else {
-    side.constant = operand;
+    side.parameter = operand.kind == Operand::Kind::kParameter ? operand.parameter : 0;
+    if (operand.kind == Operand::Kind::kText) side.constant = Value::Text(operand.text);
+    if (operand.kind == Operand::Kind::kInteger) side.constant = Value::Integer(operand.integer);
   }
   return side;
 }

@@ -36,7 +36,8 @@ class Query {
   struct Side {
     bool is_column = false;
     BoundColumn column;
-    Operand constant;
+    Value constant;     // of a side that is no column and no parameter
+    int parameter = 0;  // which parameter, 0 for none
   };
   struct Test {
     Condition::Kind kind = Condition::Kind::kAnd;
@@ -47,15 +48,18 @@ class Query {
     uint32_t tables = 0;  // a bit for each table that it looks at
   };
 
+  void FindKeyTests();
+  static Result<const Value*> ValueOf(const Side& side, const Record* parameters);
+
   Result<Test> BindTest(const Condition& condition) const;
   Result<Side> BindSide(const Operand& operand) const;
 
   std::vector<Table*> tables_;
   std::vector<Test> tests_;  // all must hold
+  // Of a query that asks for one row by its whole key and for nothing else: the test for each column of the
+  // key.
+  std::vector<int> key_tests_;
 };
-
-/// The value of a constant or a parameter.
-Result<Value> ConstantValue(const Operand& operand, const Record* parameters);
 
 }  // namespace kw::msi
 

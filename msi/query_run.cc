@@ -9,6 +9,9 @@
 namespace kw::msi {
 namespace {
 
+// Longest key that is looked up the short way.
+constexpr size_t kShortKey = 8;
+
 template <typename T>
 bool Holds(Comparison comparison, const T& a, const T& b) {
   switch (comparison) {
@@ -26,6 +29,24 @@ bool Holds(Comparison comparison, const T& a, const T& b) {
       return a >= b;
   }
   return false;
+}
+
+// The cell of a column that is equal to `value`; false when no cell can be.
+bool CellOf(Core& core, const Column& column, const Value& value, Cell* cell) {
+  if (value.kind == Value::Kind::kStream) return false;
+  if (value.IsNull()) {
+    *cell = kNullCell;
+    return true;
+  }
+  if (column.is_stream()) return false;
+  if (column.is_text()) {
+    if (value.kind == Value::Kind::kText) return core.pool().Find(value.text, cell);
+    return core.pool().Find(std::to_string(value.integer), cell);
+  }
+  int32_t number = value.integer;
+  if (value.kind == Value::Kind::kText && !ParseInteger(value.text, &number)) return false;
+  *cell = CellOfInteger(number);
+  return true;
 }
 
 }  // namespace
@@ -97,33 +118,20 @@ class QueryRun {
       ready.parts.push_back(std::move(bound));
     }
     if (test.kind != Condition::Kind::kCompare || test.right.is_column) return ready;
-    KW_ASSIGN_OR_RETURN(const Value right, ConstantValue(test.right.constant, parameters_));
+    KW_ASSIGN_OR_RETURN(const Value* const right_value, Query::ValueOf(test.right, parameters_));
+    const Value& right = *right_value;
     if (!test.left.is_column) {
-      KW_ASSIGN_OR_RETURN(const Value left, ConstantValue(test.left.constant, parameters_));
-      ready.constant_result = CompareConstants(test.comparison, left, right);
+      KW_ASSIGN_OR_RETURN(const Value* const left, Query::ValueOf(test.left, parameters_));
+      ready.constant_result = CompareConstants(test.comparison, *left, right);
       return ready;
     }
     const Column& column = ColumnOf(test.left.column);
-    if (right.kind == Value::Kind::kStream) {
+    const bool equality = test.comparison == Comparison::kEqual || test.comparison == Comparison::kNotEqual;
+    if (column.is_text() && !equality && right.kind != Value::Kind::kStream && !right.IsNull()) {
+      ready.form = Form::kText;
+      ready.text = right.kind == Value::Kind::kInteger ? std::to_string(right.integer) : right.text;
+    } else if (!CellOf(core_, column, right, &ready.cell)) {
       ready.form = Form::kNothing;
-    } else if (right.IsNull()) {
-      ready.cell = kNullCell;
-    } else if (column.is_integer()) {
-      int32_t number = right.integer;
-      if (right.kind == Value::Kind::kText && !ParseInteger(right.text, &number)) ready.form = Form::kNothing;
-      ready.cell = CellOfInteger(number);
-    } else if (column.is_stream()) {
-      ready.form = Form::kNothing;
-    } else {
-      const bool equality = test.comparison == Comparison::kEqual || test.comparison == Comparison::kNotEqual;
-      const std::string number = right.kind == Value::Kind::kInteger ? std::to_string(right.integer) : "";
-      const std::string& text = right.kind == Value::Kind::kInteger ? number : right.text;
-      if (!equality) {
-        ready.form = Form::kText;
-        ready.text = text;
-      } else if (!core_.pool().Find(text, &ready.cell)) {
-        ready.form = Form::kNothing;
-      }
     }
     // Order against null is order against the smallest integer or the empty text, which the cell says
     // already.
@@ -353,6 +361,19 @@ class QueryRun {
 
 Result<std::vector<Table::Row>> Query::Run(Core& core, const Record* parameters) const {
   core.Prepare();
+  if (!key_tests_.empty() && key_tests_.size() <= kShortKey) {
+    // By far the most frequent query, so it gets its answer without the machinery of joins.
+    Table& table = *tables_[0];
+    Cell key[kShortKey] = {};
+    for (size_t i = 0; i < key_tests_.size(); ++i) {
+      const Test& test = tests_[static_cast<size_t>(key_tests_[i])];
+      KW_ASSIGN_OR_RETURN(const Value* const value, ValueOf(test.right, parameters));
+      const Column& column = table.columns()[static_cast<size_t>(test.left.column.column)];
+      if (!CellOf(core, column, *value, &key[i])) return std::vector<Table::Row>();
+    }
+    const Table::Row row = table.FindKey(std::span(key, key_tests_.size()));
+    return row == Table::kNoRow ? std::vector<Table::Row>() : std::vector<Table::Row>{row};
+  }
   return QueryRun(*this, core, parameters).Run();
 }
 

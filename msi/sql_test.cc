@@ -210,7 +210,7 @@ TEST_F(SqlTest, ASelectKeepsItsRowsWhileOthersChangeThem) {
   while (const std::optional<Record> record = Get(view->Fetch())) {
     ++count;
     Ok("update `File` set `FileName` = ? where `File` = ?",
-       {T("low" + std::to_string(count)), T(record->StringData(1))});
+       {T(Numbered("low", static_cast<long long>(count))), T(record->StringData(1))});
     if (count == 1) Ok("delete from `File` where `File` = 'f2'");
     if (count == 2)
       Ok("insert into `File` (`File`, `Component_`, `FileName`, `FileSize`, `Sequence`) values ('z', 'c', "

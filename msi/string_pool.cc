@@ -19,7 +19,9 @@ constexpr size_t kMaxIds = 0xFFFFFF;
 constexpr int kShownForNeutral = 1252;
 
 bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  unsigned char all = 0;
+  for (const char c : text) all = static_cast<unsigned char>(all | static_cast<unsigned char>(c));
+  return all < 0x80;
 }
 
 Error Damaged(const char* what) {
@@ -32,6 +34,26 @@ Error Damaged(const char* what) {
 uint32_t StringPool::Hash(std::string_view text) {
   const size_t hash = std::hash<std::string_view>()(text);
   return static_cast<uint32_t>(hash ^ (hash >> 32));
+}
+
+StringPool::~StringPool() {
+  for (const Entry& entry : entries_) {
+    if (entry.own) delete[] entry.data;
+  }
+}
+
+void StringPool::Keep(std::string_view text, Entry& entry) {
+  char* data = new char[text.size() + 1];
+  std::memcpy(data, text.data(), text.size());
+  entry.data = data;
+  entry.length = static_cast<uint32_t>(text.size());
+  entry.own = true;
+}
+
+std::vector<uint8_t> StringPool::ValidIds() const {
+  std::vector<uint8_t> valid(entries_.size());
+  for (size_t id = 0; id < entries_.size(); ++id) valid[id] = id == 0 || entries_[id].data != nullptr;
+  return valid;
 }
 
 void StringPool::SetUses(const std::vector<uint32_t>& uses) {
@@ -49,7 +71,7 @@ Status StringPool::Load(std::string_view pool, std::string data) {
   const size_t count = pool.size() / 4;
   if (count > kMaxIds) return Damaged("the list is too long");
   entries_.reserve(count);
-  const bool ascii = code_page_ == 65001 || IsAscii(data_);
+  const bool ascii = IsAscii(data_);
   size_t at = 0;
   for (size_t i = 1; i < count; ++i) {
     const char* slot = pool.data() + 4 * i;
@@ -68,30 +90,18 @@ Status StringPool::Load(std::string_view pool, std::string data) {
       continue;
     }
     if (length > data_.size() - at) return Damaged("a text is cut short");
-    entry.raw = std::string_view(data_).substr(at, length);
-    entry.present = true;
+    const std::string_view raw = std::string_view(data_).substr(at, length);
     at += length;
-    const bool as_is =
-        code_page_ == 65001 ? IsAscii(entry.raw) || IsValidUtf8(entry.raw) : ascii || IsAscii(entry.raw);
-    entry.text =
-        as_is ? entry.raw
-              : Keep(CodePageToUtf8(entry.raw, code_page_ == 0 ? kShownForNeutral : code_page_), entry);
+    if (ascii || IsAscii(raw) || (code_page_ == 65001 && IsValidUtf8(raw))) {
+      entry.data = raw.data();
+      entry.length = static_cast<uint32_t>(length);
+    } else {
+      Keep(CodePageToUtf8(raw, code_page_ == 0 ? kShownForNeutral : code_page_), entry);
+      raw_[static_cast<Id>(entries_.size() - 1)] = raw;
+    }
   }
   std::reverse(free_ids_.begin(), free_ids_.end());
   return {};
-}
-
-std::string_view StringPool::Keep(std::string text, Entry& entry) {
-  entry.own = true;
-  if (own_free_.empty()) {
-    entry.own_slot = static_cast<uint32_t>(own_.size());
-    own_.push_back(std::move(text));
-  } else {
-    entry.own_slot = own_free_.back();
-    own_free_.pop_back();
-    own_[entry.own_slot] = std::move(text);
-  }
-  return own_[entry.own_slot];
 }
 
 void StringPool::Save(std::string* pool, std::string* data) const {
@@ -102,15 +112,17 @@ void StringPool::Save(std::string* pool, std::string* data) const {
   AppendU32(*pool, static_cast<uint32_t>(code_page_) | (reference_bytes_ == 3 ? kLongReferences : 0));
   for (size_t id = 1; id < entries_.size(); ++id) {
     const Entry& entry = entries_[id];
-    if (!entry.present || entry.uses == 0) {
+    if (entry.data == nullptr || entry.uses == 0) {
       AppendU32(*pool, 0);
       continue;
     }
     std::string converted;
-    std::string_view bytes = entry.raw;
-    if (bytes.data() == nullptr) {
-      bytes = entry.text;
-      if (code_page_ != 65001 && !IsAscii(bytes)) {
+    std::string_view bytes = entry.text();
+    if (code_page_ != 65001 || !raw_.empty()) {
+      const auto raw = raw_.find(static_cast<Id>(id));
+      if (raw != raw_.end()) {
+        bytes = raw->second;
+      } else if (code_page_ != 65001 && !IsAscii(bytes)) {
         // Every text was tried when it came in, so that this cannot fail.
         converted = Utf8ToCodePage(bytes, code_page_).value_or("");
         bytes = converted;
@@ -140,16 +152,13 @@ Status StringPool::SetCodePage(int code_page) {
   }
   const int old = std::exchange(code_page_, code_page);
   for (const Entry& entry : entries_) {
-    if (!entry.present) continue;
-    const Status status = CheckRepresentable(entry.text);
+    const Status status = CheckRepresentable(entry.text());
     if (!status.ok()) {
       code_page_ = old;
       return status;
     }
   }
-  for (Entry& entry : entries_) {
-    if (entry.present && !IsAscii(entry.raw)) entry.raw = {};
-  }
+  raw_.clear();
   dirty_ = true;
   return {};
 }
@@ -163,10 +172,10 @@ void StringPool::BuildIndex() {
   index_used_ = 0;
   for (size_t id = 1; id < entries_.size(); ++id) {
     Entry& entry = entries_[id];
-    if (!entry.present) continue;
-    entry.hash = Hash(entry.text);
+    if (entry.data == nullptr) continue;
+    entry.hash = Hash(entry.text());
     Id other = 0;
-    if (!has_doubles_ && Find(entry.text, &other)) has_doubles_ = true;
+    if (!has_doubles_ && Find(entry.text(), &other)) has_doubles_ = true;
     IndexInsert(static_cast<Id>(id));
   }
 }
@@ -182,7 +191,7 @@ bool StringPool::Find(std::string_view text, Id* id) const {
     const Id candidate = index_[slot];
     if (candidate == kGone) continue;
     const Entry& entry = entries_[candidate];
-    if (entry.hash == hash && entry.text == text) {
+    if (entry.hash == hash && entry.text() == text) {
       *id = candidate;
       return true;
     }
@@ -192,7 +201,8 @@ bool StringPool::Find(std::string_view text, Id* id) const {
 
 StringPool::Id StringPool::Canonical(Id id) const {
   Id first = id;
-  return has_doubles_ && id != 0 && entries_[id].present && Find(entries_[id].text, &first) ? first : id;
+  return has_doubles_ && id != 0 && entries_[id].data != nullptr && Find(entries_[id].text(), &first) ? first
+                                                                                                      : id;
 }
 
 void StringPool::IndexInsert(Id id) {
@@ -202,7 +212,7 @@ void StringPool::IndexInsert(Id id) {
     index_.assign(capacity, 0);
     index_used_ = 0;
     for (size_t other = 1; other < entries_.size(); ++other) {
-      if (entries_[other].present && other != id) IndexInsert(static_cast<Id>(other));
+      if (entries_[other].data != nullptr && other != id) IndexInsert(static_cast<Id>(other));
     }
   }
   const size_t mask = index_.size() - 1;
@@ -238,38 +248,40 @@ Result<StringPool::Id> StringPool::Intern(std::string_view text) {
   }
   Entry& entry = entries_[id];
   entry = Entry{};
-  entry.present = true;
-  entry.text = Keep(std::string(text), entry);
-  entry.hash = Hash(entry.text);
+  Keep(text, entry);
+  entry.hash = Hash(text);
   IndexInsert(id);
   return id;
 }
 
 void StringPool::AddUse(Id id, bool temporary) {
   if (id == 0) return;
-  ++(temporary ? entries_[id].temporary_uses : entries_[id].uses);
+  ++(temporary ? temporary_uses_[id] : entries_[id].uses);
   dirty_ = dirty_ || !temporary;
 }
 
 void StringPool::DropUse(Id id, bool temporary) {
   if (id == 0) return;
-  uint32_t& uses = temporary ? entries_[id].temporary_uses : entries_[id].uses;
-  if (uses > 0) --uses;
-  dirty_ = dirty_ || !temporary;
+  if (temporary) {
+    const auto found = temporary_uses_.find(id);
+    if (found != temporary_uses_.end() && --found->second == 0) temporary_uses_.erase(found);
+  } else {
+    if (entries_[id].uses > 0) --entries_[id].uses;
+    dirty_ = true;
+  }
   DropIfUnused(id);
 }
 
 void StringPool::DropIfUnused(Id id) {
   const Entry& entry = entries_[id];
-  if (id != 0 && entry.present && entry.uses == 0 && entry.temporary_uses == 0) Forget(id);
+  if (id == 0 || entry.data == nullptr || entry.uses != 0) return;
+  if (temporary_uses_.empty() || temporary_uses_.count(id) == 0) Forget(id);
 }
 
 void StringPool::Forget(Id id) {
   if (indexed_) IndexErase(id);
-  if (entries_[id].own) {
-    own_[entries_[id].own_slot].clear();
-    own_free_.push_back(entries_[id].own_slot);
-  }
+  if (entries_[id].own) delete[] entries_[id].data;
+  if (!raw_.empty()) raw_.erase(id);
   entries_[id] = Entry{};
   free_ids_.push_back(id);
 }

@@ -2,9 +2,9 @@
 #define KITWRIGHT_MSI_STRING_POOL_H_
 
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "base/result.h"
@@ -18,10 +18,15 @@ class StringPool {
  public:
   using Id = uint32_t;
 
+  StringPool() = default;
+  ~StringPool();
+  StringPool(const StringPool&) = delete;
+  StringPool& operator=(const StringPool&) = delete;
+
   /// Reads the streams `_StringPool` and `_StringData`. Fails when they do not fit together.
   Status Load(std::string_view pool, std::string data);
-  /// True if `id` names a text, or is 0.
-  bool Valid(Id id) const { return id == 0 || (id < entries_.size() && entries_[id].present); }
+  /// A byte for each id that is not 0 where it names a text, and for id 0.
+  std::vector<uint8_t> ValidIds() const;
   /// The counted uses by cells, by id, which replace what the file says of them.
   void SetUses(const std::vector<uint32_t>& uses);
   /// The two streams for the present content.
@@ -36,7 +41,7 @@ class StringPool {
   /// Number of ids in use or once used; all valid ids are below.
   size_t size() const { return entries_.size(); }
   /// The text of `id`; valid as long as somebody uses it.
-  std::string_view Text(Id id) const { return entries_[id].text; }
+  std::string_view Text(Id id) const { return entries_[id].text(); }
   /// The id of `text`, or false when no cell holds it.
   bool Find(std::string_view text, Id* id) const;
   /// The id of `text`, which is added when it is new, with no uses counted yet. Fails with
@@ -60,30 +65,31 @@ class StringPool {
   void ClearDirty() { dirty_ = false; }
 
  private:
+  // Kept small: a database has some hundred thousand, and they are all touched when it is opened.
   struct Entry {
-    std::string_view text;  // UTF-8
-    std::string_view raw;   // the bytes of the file, for texts that came from it
+    const char* data = nullptr;  // UTF-8; null for an id that is not in use
+    uint32_t length = 0;
     uint32_t uses = 0;
-    uint32_t temporary_uses = 0;
     uint32_t hash = 0;
-    bool present = false;
-    bool own = false;  // text lies in own_[...]
-    uint32_t own_slot = 0;
+    bool own = false;  // data was made here and is not a part of data_
+
+    std::string_view text() const { return {data, length}; }
   };
 
   static uint32_t Hash(std::string_view text);
   void IndexInsert(Id id);
   void IndexErase(Id id);
   void Forget(Id id);
-  std::string_view Keep(std::string text, Entry& entry);
+  static void Keep(std::string_view text, Entry& entry);
   Status CheckRepresentable(std::string_view text) const;
 
   int code_page_ = 0;
   int reference_bytes_ = 2;
-  std::string data_;             // `_StringData` as loaded
-  std::vector<Entry> entries_;   // by id
-  std::deque<std::string> own_;  // texts that are not in data_
-  std::vector<uint32_t> own_free_;
+  std::string data_;            // `_StringData` as loaded
+  std::vector<Entry> entries_;  // by id
+  std::unordered_map<Id, uint32_t> temporary_uses_;
+  // The bytes of the file for texts that are not the same there, so that they go back as they came.
+  std::unordered_map<Id, std::string_view> raw_;
   std::vector<Id> free_ids_;
   std::vector<Id> index_;  // open addressing; 0 is empty, kGone a removed one
   size_t index_used_ = 0;

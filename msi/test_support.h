@@ -35,6 +35,12 @@ Rows QueryRows(Database& database, std::string_view sql, const std::vector<Value
 /// All tables and streams of a database as text in a fixed order.
 std::string Dump(Database& database);
 
+/// `prefix` and a number.
+inline std::string Numbered(std::string prefix, long long number) {
+  prefix += std::to_string(number);
+  return prefix;
+}
+
 inline Value T(std::string text) { return Value::Text(std::move(text)); }
 inline Value I(int32_t number) { return Value::Integer(number); }
 

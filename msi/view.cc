@@ -5,41 +5,41 @@
 
 namespace kw::msi {
 
-Status View::Bind() {
-  const bool refresh = std::any_of(query_.tables().begin(), query_.tables().end(),
+Status Prepared::Bind(Core& core) {
+  const bool refresh = std::any_of(query.tables().begin(), query.tables().end(),
                                    [](const Table* table) { return table->streams || table->storages; });
-  if (bound_version_ == core_->schema_version() && !refresh) return {};
-  KW_ASSIGN_OR_RETURN(query_, Query::Bind(*core_, statement_));
-  columns_.clear();
-  order_.clear();
-  for (const ColumnName& name : statement_.columns) {
-    KW_ASSIGN_OR_RETURN(const BoundColumn column, query_.Resolve(name));
-    columns_.push_back(column);
+  if (bound_version == core.schema_version() && !refresh) return {};
+  KW_ASSIGN_OR_RETURN(query, Query::Bind(core, statement));
+  columns.clear();
+  order.clear();
+  for (const ColumnName& name : statement.columns) {
+    KW_ASSIGN_OR_RETURN(const BoundColumn column, query.Resolve(name));
+    columns.push_back(column);
   }
-  const bool all = statement_.kind == Statement::Kind::kSelect || statement_.kind == Statement::Kind::kInsert;
-  if (statement_.columns.empty() && all) {
-    for (size_t table = 0; table < query_.tables().size(); ++table) {
-      for (size_t i = 0; i < query_.tables()[table]->columns().size(); ++i) {
-        columns_.push_back({static_cast<int>(table), static_cast<int>(i)});
+  const bool all = statement.kind == Statement::Kind::kSelect || statement.kind == Statement::Kind::kInsert;
+  if (statement.columns.empty() && all) {
+    for (size_t table = 0; table < query.tables().size(); ++table) {
+      for (size_t i = 0; i < query.tables()[table]->columns().size(); ++i) {
+        columns.push_back({static_cast<int>(table), static_cast<int>(i)});
       }
     }
   }
-  for (const ColumnName& name : statement_.order) {
-    KW_ASSIGN_OR_RETURN(const BoundColumn column, query_.Resolve(name));
-    order_.push_back(column);
+  for (const ColumnName& name : statement.order) {
+    KW_ASSIGN_OR_RETURN(const BoundColumn column, query.Resolve(name));
+    order.push_back(column);
   }
   const bool assigns =
-      statement_.kind == Statement::Kind::kInsert || statement_.kind == Statement::Kind::kUpdate;
-  if (assigns && columns_.size() != statement_.values.size()) {
-    return {kErrorBadQuerySyntax, "The statement gives " + std::to_string(statement_.values.size()) +
-                                      " values for " + std::to_string(columns_.size()) + " columns."};
+      statement.kind == Statement::Kind::kInsert || statement.kind == Statement::Kind::kUpdate;
+  if (assigns && columns.size() != statement.values.size()) {
+    return {kErrorBadQuerySyntax, "The statement gives " + std::to_string(statement.values.size()) +
+                                      " values for " + std::to_string(columns.size()) + " columns."};
   }
-  bound_version_ = core_->schema_version();
+  bound_version = core.schema_version();
   return {};
 }
 
 Status View::CheckNames() {
-  switch (statement_.kind) {
+  switch (statement().kind) {
     case Statement::Kind::kSelect:
     case Statement::Kind::kInsert:
     case Statement::Kind::kUpdate:
@@ -48,20 +48,20 @@ Status View::CheckNames() {
     case Statement::Kind::kCreate:
       return {};
     default:
-      if (core_->FindTable(statement_.tables[0])) return {};
-      return {kErrorBadQuerySyntax, "There is no table " + statement_.tables[0] + "."};
+      if (core_->FindTable(statement().tables[0])) return {};
+      return {kErrorBadQuerySyntax, "There is no table " + statement().tables[0] + "."};
   }
 }
 
 Status View::Execute(const Record* parameters) {
   Close();
   const int given = parameters ? parameters->FieldCount() : 0;
-  if (given < statement_.parameter_count) {
-    return {kErrorInvalidParameter, "The statement wants " + std::to_string(statement_.parameter_count) +
+  if (given < statement().parameter_count) {
+    return {kErrorInvalidParameter, "The statement wants " + std::to_string(statement().parameter_count) +
                                         " parameters and was given " + std::to_string(given) + "."};
   }
   core_->Prepare();
-  if (statement_.kind == Statement::Kind::kSelect) {
+  if (statement().kind == Statement::Kind::kSelect) {
     KW_RETURN_IF_ERROR(Bind());
     return Select(parameters);
   }
@@ -71,20 +71,21 @@ Status View::Execute(const Record* parameters) {
 }
 
 Status View::Select(const Record* parameters) {
-  KW_ASSIGN_OR_RETURN(results_, query_.Run(*core_, parameters));
-  if (statement_.distinct) KeepDistinct();
-  if (!order_.empty()) Order();
+  KW_ASSIGN_OR_RETURN(results_, prepared_->query.Run(*core_, parameters));
+  if (statement().distinct) KeepDistinct();
+  if (!prepared_->order.empty()) Order();
+  executed_tables_ = tables();
   executed_ = true;
   return {};
 }
 
 void View::Order() {
-  const size_t width = query_.tables().size();
+  const size_t width = tables().size();
   std::vector<size_t> order(results_.size() / width);
   for (size_t i = 0; i < order.size(); ++i) order[i] = i;
   const auto before = [&](size_t a, size_t b) {
-    for (const BoundColumn& by : order_) {
-      const Table& table = *query_.tables()[static_cast<size_t>(by.table)];
+    for (const BoundColumn& by : prepared_->order) {
+      const Table& table = *tables()[static_cast<size_t>(by.table)];
       const Column& column = table.columns()[static_cast<size_t>(by.column)];
       const Cell left = table.Get(results_[a * width + static_cast<size_t>(by.table)], by.column);
       const Cell right = table.Get(results_[b * width + static_cast<size_t>(by.table)], by.column);
@@ -106,14 +107,14 @@ void View::Order() {
 }
 
 void View::KeepDistinct() {
-  const size_t width = query_.tables().size();
+  const size_t width = tables().size();
   std::set<std::vector<Cell>> seen;
   std::vector<Table::Row> kept;
   for (size_t at = 0; at < results_.size(); at += width) {
     std::vector<Cell> cells;
-    for (const BoundColumn& column : columns_) {
+    for (const BoundColumn& column : columns()) {
       const size_t table = static_cast<size_t>(column.table);
-      cells.push_back(query_.tables()[table]->Get(results_[at + table], column.column));
+      cells.push_back(tables()[table]->Get(results_[at + table], column.column));
     }
     if (!seen.insert(std::move(cells)).second) continue;
     for (size_t i = 0; i < width; ++i) kept.push_back(results_[at + i]);
@@ -121,65 +122,71 @@ void View::KeepDistinct() {
   results_ = std::move(kept);
 }
 
-Result<std::vector<Assignment>> View::Values(const Record* parameters) const {
+std::vector<Assignment> View::Values(const Record* parameters) const {
   std::vector<Assignment> values;
-  values.reserve(columns_.size());
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    KW_ASSIGN_OR_RETURN(Value value, ConstantValue(statement_.values[i], parameters));
-    values.push_back({columns_[i].column, std::move(value)});
+  values.reserve(columns().size());
+  for (size_t i = 0; i < columns().size(); ++i) {
+    const Operand& operand = statement().values[i];
+    const int column = columns()[i].column;
+    if (operand.kind == Operand::Kind::kText) {
+      values.push_back({column, Value::Text(operand.text)});
+    } else if (operand.kind == Operand::Kind::kInteger) {
+      values.push_back({column, Value::Integer(operand.integer)});
+    } else {
+      values.push_back({column, parameters->value(operand.parameter)});
+    }
   }
   return values;
 }
 
 Status View::Change(const Record* parameters) {
-  switch (statement_.kind) {
+  switch (statement().kind) {
     case Statement::Kind::kCreate:
-      return core_->CreateTable(statement_.tables[0], statement_.definitions, statement_.temporary,
-                                statement_.hold);
+      return core_->CreateTable(statement().tables[0], statement().definitions, statement().temporary,
+                                statement().hold);
     case Statement::Kind::kInsert:
     case Statement::Kind::kUpdate:
     case Statement::Kind::kDelete:
       break;
     default: {
-      Table* table = core_->FindTable(statement_.tables[0]);
-      if (!table) return {kErrorBadQuerySyntax, "There is no table " + statement_.tables[0] + "."};
-      if (statement_.kind == Statement::Kind::kAddColumn) {
-        return core_->AddColumn(*table, statement_.definitions[0], statement_.hold);
+      Table* table = core_->FindTable(statement().tables[0]);
+      if (!table) return {kErrorBadQuerySyntax, "There is no table " + statement().tables[0] + "."};
+      if (statement().kind == Statement::Kind::kAddColumn) {
+        return core_->AddColumn(*table, statement().definitions[0], statement().hold);
       }
-      if (statement_.kind == Statement::Kind::kDrop) return core_->DropTable(*table);
-      if (statement_.kind == Statement::Kind::kHold) core_->Hold(*table);
-      if (statement_.kind == Statement::Kind::kFree) core_->Free(*table);
+      if (statement().kind == Statement::Kind::kDrop) return core_->DropTable(*table);
+      if (statement().kind == Statement::Kind::kHold) core_->Hold(*table);
+      if (statement().kind == Statement::Kind::kFree) core_->Free(*table);
       return {};
     }
   }
   KW_RETURN_IF_ERROR(Bind());
-  Table& table = *query_.tables()[0];
+  Table& table = *tables()[0];
   std::vector<Assignment> values;
-  if (statement_.kind != Statement::Kind::kDelete) {
-    KW_ASSIGN_OR_RETURN(values, Values(parameters));
+  if (statement().kind != Statement::Kind::kDelete) {
+    values = Values(parameters);  // Execute has counted them
   }
-  if (statement_.kind == Statement::Kind::kInsert)
-    return InsertInto(*core_, table, values, statement_.temporary);
-  KW_ASSIGN_OR_RETURN(const std::vector<Table::Row> rows, query_.Run(*core_, parameters));
-  if (statement_.kind == Statement::Kind::kUpdate) return UpdateRows(*core_, table, values, rows);
+  if (statement().kind == Statement::Kind::kInsert)
+    return InsertInto(*core_, table, values, statement().temporary);
+  KW_ASSIGN_OR_RETURN(const std::vector<Table::Row> rows, prepared_->query.Run(*core_, parameters));
+  if (statement().kind == Statement::Kind::kUpdate) return UpdateRows(*core_, table, values, rows);
   return DeleteRows(*core_, table, rows);
 }
 
 Result<std::optional<Record>> View::Fetch() {
   if (!executed_) return {kErrorFunctionFailed, "The view was not executed."};
-  if (statement_.kind != Statement::Kind::kSelect) return std::optional<Record>();
-  const std::vector<Table*> tables = query_.tables();
+  if (statement().kind != Statement::Kind::kSelect) return std::optional<Record>();
   KW_RETURN_IF_ERROR(Bind());
-  if (query_.tables() != tables) return {kErrorFunctionFailed, "The table of the view was dropped."};
-  const size_t width = query_.tables().size();
+  if (tables() != executed_tables_) return {kErrorFunctionFailed, "The table of the view was dropped."};
+  const size_t width = tables().size();
   for (; next_ < results_.size(); next_ += width) {
     const Table::Row* rows = results_.data() + next_;
     bool alive = true;
     for (size_t i = 0; i < width && alive; ++i) {
-      alive = rows[i] < query_.tables()[i]->row_end() && query_.tables()[i]->Alive(rows[i]);
+      alive = rows[i] < tables()[i]->row_end() && tables()[i]->Alive(rows[i]);
     }
     if (!alive) continue;
-    Record record(static_cast<int>(columns_.size()));
+    Record record(static_cast<int>(columns().size()));
     Fill(record, rows);
     next_ += width;
     return std::optional<Record>(std::move(record));
@@ -188,20 +195,20 @@ Result<std::optional<Record>> View::Fetch() {
 }
 
 void View::Fill(Record& record, const Table::Row* rows) {
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    const size_t table = static_cast<size_t>(columns_[i].table);
-    record.values_[i] = core_->ValueOf(*query_.tables()[table], rows[table], columns_[i].column);
+  for (size_t i = 0; i < columns().size(); ++i) {
+    const size_t table = static_cast<size_t>(columns()[i].table);
+    record.values_[i] = core_->ValueOf(*tables()[table], rows[table], columns()[i].column);
   }
   record.view_ = id_;
-  record.rows_.assign(rows, rows + query_.tables().size());
+  record.rows_.assign(rows, rows + tables().size());
 }
 
 Status View::Modify(ModifyMode mode, Record& record) {
-  if (statement_.kind != Statement::Kind::kSelect || !executed_) {
+  if (statement().kind != Statement::Kind::kSelect || !executed_) {
     return {kErrorFunctionFailed, "Only an executed select can be modified."};
   }
   KW_RETURN_IF_ERROR(Bind());
-  if (record.FieldCount() < static_cast<int>(columns_.size())) {
+  if (record.FieldCount() < static_cast<int>(columns().size())) {
     return {kErrorInvalidParameter, "The record has fewer fields than the view has columns."};
   }
   core_->Prepare();
@@ -223,10 +230,10 @@ Status View::Modify(ModifyMode mode, Record& record) {
 }
 
 Status View::ModifyFetched(ModifyMode mode, Record& record) {
-  const size_t width = query_.tables().size();
-  bool known = record.view_ == id_ && record.rows_.size() == width;
+  const size_t width = tables().size();
+  bool known = record.view_ == id_ && record.rows_.size() == width && tables() == executed_tables_;
   for (size_t i = 0; i < width && known; ++i) {
-    known = record.rows_[i] < query_.tables()[i]->row_end() && query_.tables()[i]->Alive(record.rows_[i]);
+    known = record.rows_[i] < tables()[i]->row_end() && tables()[i]->Alive(record.rows_[i]);
   }
   if (!known) return {kErrorFunctionFailed, "The record does not stand for a row of this view."};
   const std::vector<Table::Row> rows = record.rows_;
@@ -236,13 +243,13 @@ Status View::ModifyFetched(ModifyMode mode, Record& record) {
   }
   if (mode == ModifyMode::kDelete) {
     if (width != 1) return {kErrorFunctionFailed, "A row of a join cannot be deleted."};
-    return DeleteRows(*core_, *query_.tables()[0], rows);
+    return DeleteRows(*core_, *tables()[0], rows);
   }
   std::vector<std::vector<Assignment>> values(width);
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    const size_t table = static_cast<size_t>(columns_[i].table);
+  for (size_t i = 0; i < columns().size(); ++i) {
+    const size_t table = static_cast<size_t>(columns()[i].table);
     const Value& value = record.values_[i];
-    const Value now = core_->ValueOf(*query_.tables()[table], rows[table], columns_[i].column);
+    const Value now = core_->ValueOf(*tables()[table], rows[table], columns()[i].column);
     // A stream that was fetched and not replaced is left alone.
     if (value.kind == Value::Kind::kStream && now.kind == Value::Kind::kStream &&
         value.stream->stream() != nullptr && value.stream->stream() == now.stream->stream()) {
@@ -252,23 +259,23 @@ Status View::ModifyFetched(ModifyMode mode, Record& record) {
         value.text == now.text) {
       continue;
     }
-    values[table].push_back({columns_[i].column, value});
+    values[table].push_back({columns()[i].column, value});
   }
   for (size_t i = 0; i < width; ++i) {
-    KW_RETURN_IF_ERROR(CheckUpdate(*core_, *query_.tables()[i], values[i], rows[i]));
+    KW_RETURN_IF_ERROR(CheckUpdate(*core_, *tables()[i], values[i], rows[i]));
   }
   for (size_t i = 0; i < width; ++i) {
     if (values[i].empty()) continue;
-    KW_RETURN_IF_ERROR(UpdateRows(*core_, *query_.tables()[i], values[i], {rows[i]}));
+    KW_RETURN_IF_ERROR(UpdateRows(*core_, *tables()[i], values[i], {rows[i]}));
   }
   return {};
 }
 
 Status View::ModifyByKey(ModifyMode mode, const Record& record) {
-  if (query_.tables().size() != 1) return {kErrorFunctionFailed, "A row cannot be added to a join."};
-  Table& table = *query_.tables()[0];
+  if (tables().size() != 1) return {kErrorFunctionFailed, "A row cannot be added to a join."};
+  Table& table = *tables()[0];
   std::vector<Assignment> values;
-  for (size_t i = 0; i < columns_.size(); ++i) values.push_back({columns_[i].column, record.values_[i]});
+  for (size_t i = 0; i < columns().size(); ++i) values.push_back({columns()[i].column, record.values_[i]});
   if (mode == ModifyMode::kAssign) {
     const Table::Row row = FindByKey(*core_, table, values);
     if (row != Table::kNoRow) return UpdateRows(*core_, table, values, {row});
@@ -284,21 +291,21 @@ void View::Close() {
 
 Result<Record> View::ColumnNames() {
   KW_RETURN_IF_ERROR(Bind());
-  Record record(static_cast<int>(columns_.size()));
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    const Table& table = *query_.tables()[static_cast<size_t>(columns_[i].table)];
-    record.values_[i] = Value::Text(table.columns()[static_cast<size_t>(columns_[i].column)].name);
+  Record record(static_cast<int>(columns().size()));
+  for (size_t i = 0; i < columns().size(); ++i) {
+    const Table& table = *tables()[static_cast<size_t>(columns()[i].table)];
+    record.values_[i] = Value::Text(table.columns()[static_cast<size_t>(columns()[i].column)].name);
   }
   return record;
 }
 
 Result<Record> View::ColumnTypes() {
   KW_RETURN_IF_ERROR(Bind());
-  Record record(static_cast<int>(columns_.size()));
-  for (size_t i = 0; i < columns_.size(); ++i) {
-    const Table& table = *query_.tables()[static_cast<size_t>(columns_[i].table)];
+  Record record(static_cast<int>(columns().size()));
+  for (size_t i = 0; i < columns().size(); ++i) {
+    const Table& table = *tables()[static_cast<size_t>(columns()[i].table)];
     record.values_[i] =
-        Value::Text(ColumnTypeText(table.columns()[static_cast<size_t>(columns_[i].column)], true));
+        Value::Text(ColumnTypeText(table.columns()[static_cast<size_t>(columns()[i].column)], true));
   }
   return record;
 }

@@ -23,6 +23,18 @@ enum class ModifyMode {
   kInsertTemporary = 7,  ///< like kInsert, for a row that never reaches the file
 };
 
+/// A parsed statement with its names resolved. The same text opened again shares it.
+struct Prepared {
+  Statement statement;
+  uint64_t bound_version = 0;  ///< Core::schema_version at which the names were resolved, 0 for not yet
+  Query query;
+  std::vector<BoundColumn> columns;
+  std::vector<BoundColumn> order;
+
+  /// Resolves the names again if tables or columns have come or gone.
+  Status Bind(Core& core);
+};
+
 /// A statement on a database. It keeps the database open.
 class View {
  public:
@@ -44,7 +56,7 @@ class View {
   void Close();
 
   /// True for every statement but a select.
-  bool changes() const { return statement_.kind != Statement::Kind::kSelect; }
+  bool changes() const { return prepared_->statement.kind != Statement::Kind::kSelect; }
   /// The names of the selected columns.
   Result<Record> ColumnNames();
   /// Their types: "s" text, "l" text that can be localised, "i" integer, "v" stream, with the size; in upper
@@ -53,11 +65,11 @@ class View {
 
  private:
   friend class Database;
-  View(std::shared_ptr<Core> core, Statement statement, uint64_t id)
-      : core_(std::move(core)), statement_(std::move(statement)), id_(id) {}
+  View(std::shared_ptr<Core> core, std::shared_ptr<Prepared> prepared, uint64_t id)
+      : core_(std::move(core)), prepared_(std::move(prepared)), id_(id) {}
 
   Status CheckNames();
-  Status Bind();
+  Status Bind() { return prepared_->Bind(*core_); }
   Status Select(const Record* parameters);
   Status Change(const Record* parameters);
   void Order();
@@ -65,15 +77,15 @@ class View {
   void Fill(Record& record, const Table::Row* rows);
   Status ModifyFetched(ModifyMode mode, Record& record);
   Status ModifyByKey(ModifyMode mode, const Record& record);
-  Result<std::vector<Assignment>> Values(const Record* parameters) const;
+  std::vector<Assignment> Values(const Record* parameters) const;
+  const Statement& statement() const { return prepared_->statement; }
+  const std::vector<Table*>& tables() const { return prepared_->query.tables(); }
+  const std::vector<BoundColumn>& columns() const { return prepared_->columns; }
 
   std::shared_ptr<Core> core_;
-  Statement statement_;
+  std::shared_ptr<Prepared> prepared_;
   uint64_t id_;
-  uint64_t bound_version_ = 0;
-  Query query_;
-  std::vector<BoundColumn> columns_;
-  std::vector<BoundColumn> order_;
+  std::vector<Table*> executed_tables_;
   std::vector<Table::Row> results_;
   size_t next_ = 0;
   bool executed_ = false;
