@@ -17,8 +17,10 @@ int Emal_ConfigZED(void*, int, int mode, int flush) {
   command.group = kw::sample::OnDeliverySettings();
   command.from_live = mode == 2;
   command.flush = flush == 1;
-  auto registry = kw::sample::CallContext().Registry();
-  const auto outcome = kw::sample::RunTool(command, registry, answer, kw::sample::ShowSettingsDialog);
+  const kw::sample::CallContext call;
+  auto registry = call.Registry();
+  const auto outcome =
+      kw::sample::RunTool(command, registry, call.code_page, answer, kw::sample::ShowSettingsDialog);
   if (!outcome.ok()) {
     kw::sample::SetRaised(outcome.number());
     return 0;

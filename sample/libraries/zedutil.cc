@@ -2,10 +2,10 @@
 
 #include "base/machine_config.h"
 #include "platform/shared/library_abi.h"
-#include "sample/libraries/cipher.h"
 #include "sample/libraries/library_calls.h"
 #include "sample/libraries/settings_export.h"
 #include "sample/settings/answers.h"
+#include "sample/settings/cipher.h"
 #include "sample/settings/registry_trees.h"
 
 namespace {

@@ -10,9 +10,9 @@ Result<ToolOutcome> Cancelled(SettingsStore& store, const SettingsGroup& group) 
 
 }  // namespace
 
-Result<ToolOutcome> RunTool(const ToolCommand& command, platform::Registry& registry, Answer answer,
-                            const ShowSettings& show) {
-  SettingsStore store(registry);
+Result<ToolOutcome> RunTool(const ToolCommand& command, platform::Registry& registry, int code_page,
+                            Answer answer, const ShowSettings& show) {
+  SettingsStore store(registry, code_page);
   if (command.flush) {
     KW_RETURN_IF_ERROR(store.Flush(command.group));
     return ToolOutcome{};

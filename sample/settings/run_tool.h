@@ -21,8 +21,8 @@ struct ToolOutcome {
 
 /// Does what a tool or a library's dialog box is asked for. A flush copies whatever the answer. A failure is
 /// the registry's.
-Result<ToolOutcome> RunTool(const ToolCommand& command, platform::Registry& registry, Answer answer,
-                            const ShowSettings& show);
+Result<ToolOutcome> RunTool(const ToolCommand& command, platform::Registry& registry, int code_page,
+                            Answer answer, const ShowSettings& show);
 
 }  // namespace kw::sample
 

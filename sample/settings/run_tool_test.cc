@@ -32,7 +32,7 @@ class RunToolTest : public ::testing::Test {
                   const ShowSettings& show = {}) {
     const auto command = ParseToolCommand(tool, arguments);
     EXPECT_TRUE(command.ok());
-    const auto outcome = RunTool(*command, registry_, answer, show);
+    const auto outcome = RunTool(*command, registry_, 1252, answer, show);
     EXPECT_TRUE(outcome.ok());
     return *outcome;
   }
@@ -131,6 +131,7 @@ TEST_F(RunToolTest, TheBoxShowsTheSettingsAndItsConfirmationSavesThem) {
   const ShowSettings show = [&](const std::string& text, std::vector<Setting>& settings) {
     title = text;
     EXPECT_EQ(settings.size(), 3u);
+    EXPECT_EQ(settings[2].subkey, "Configuration");
     settings[1].text = "D:\\Found";
     return true;
   };
@@ -138,6 +139,34 @@ TEST_F(RunToolTest, TheBoxShowsTheSettingsAndItsConfirmationSavesThem) {
   EXPECT_EQ(title, "On-Access Scan Properties");
   EXPECT_EQ(registry_.Get(Hive::kCurrentUser, kStagedGuard, "szFolder").Text(), "D:\\Found");
   EXPECT_EQ(Staged("", "bOasCfg32"), 1u);
+}
+
+TEST_F(RunToolTest, APasswordIsShownEmptyAndSavedEnciphered) {
+  const std::string version = "\\Kestrane Enterprise\\CurrentVersion";
+  std::string typed;
+  const ShowSettings show = [&](const std::string&, std::vector<Setting>& settings) {
+    EXPECT_TRUE(settings.back().secret);
+    EXPECT_EQ(settings.back().text, "");
+    settings.back().text = typed;
+    return true;
+  };
+  Run("TxDesk", {"/UIOPTIONS", "/ZEDW"}, Answer::kDialog, show);
+  EXPECT_EQ(registry_.Get(Hive::kCurrentUser, kZed + version, "UIP").Text(), "");
+  typed = "geheim";
+  Run("TxDesk", {"/UIOPTIONS", "/ZEDW"}, Answer::kDialog, show);
+  const std::string stored = registry_.Get(Hive::kCurrentUser, kZed + version, "UIP").Text();
+  EXPECT_EQ(stored.size(), 6u);
+  EXPECT_NE(stored, "geheim");
+}
+
+TEST_F(RunToolTest, TheLivePasswordComesAlong) {
+  registry_.SetText(Hive::kLocalMachine, "SOFTWARE\\Orvantic\\RDX\\Kestrane Enterprise\\CurrentVersion",
+                    "UIP", "x");
+  Run("TxDesk", {"/UIOPTIONS", "/FLUSHSETTINGS", "/ZEDW"}, Answer::kCancel);
+  EXPECT_EQ(
+      registry_.Get(Hive::kCurrentUser, "SOFTWARE\\Orvantic\\ZED\\Kestrane Enterprise\\CurrentVersion", "UIP")
+          .Text(),
+      "x");
 }
 
 TEST_F(RunToolTest, TheCancelledBoxIsACancel) {

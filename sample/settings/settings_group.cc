@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "base/text.h"
+#include "sample/settings/cipher.h"
 #include "sample/settings/registry_trees.h"
 
 namespace kw::sample {
@@ -15,7 +16,7 @@ using platform::RegistryValue;
 namespace {
 
 std::string Joined(const std::string& key, const std::string& below) {
-  return below.empty() ? key : key + "\\" + below;
+  return key.empty() || below.empty() ? key + below : key + "\\" + below;
 }
 
 std::string Live(const SettingsGroup& group) { return Joined(kLiveBranch, group.path); }
@@ -87,7 +88,7 @@ SettingsGroup InterfaceSettings() {
   group.title = "User Interface Properties";
   group.path = std::string(kVersionKey) + "\\UI";
   group.flag = "bUIOptions";
-  group.version_value = "UIP";
+  group.password = "UIP";
   return group;
 }
 
@@ -115,21 +116,21 @@ bool SettingsStore::Exists(Hive hive, const std::string& path) {
   return registry_.OpenKey(hive, path, platform::kKeyQuery).ok();
 }
 
-Status SettingsStore::CopyVersionValue(const SettingsGroup& group) {
-  if (group.version_value.empty()) return {};
+Status SettingsStore::CopyPassword(const SettingsGroup& group) {
+  if (group.password.empty()) return {};
   const auto live =
       registry_.OpenKey(Hive::kLocalMachine, Joined(kLiveBranch, kVersionKey), platform::kKeyQuery);
   if (!live.ok()) return {};
-  const auto value = (*live)->QueryValue(group.version_value, platform::kAnyRegistrySize);
+  const auto value = (*live)->QueryValue(group.password, platform::kAnyRegistrySize);
   if (!value.ok()) return {};
   KW_ASSIGN_OR_RETURN(
       auto staged,
       registry_.CreateKey(Hive::kCurrentUser, Joined(kStagingBranch, kVersionKey), platform::kKeyAll));
-  return staged->SetValue(group.version_value, *value);
+  return staged->SetValue(group.password, *value);
 }
 
 Status SettingsStore::Flush(const SettingsGroup& group) {
-  KW_RETURN_IF_ERROR(CopyVersionValue(group));
+  KW_RETURN_IF_ERROR(CopyPassword(group));
   if (!Exists(Hive::kLocalMachine, Live(group))) return {};
   return CopyRegistryTree(registry_, Hive::kLocalMachine, Live(group), Hive::kCurrentUser, Staged(group));
 }
@@ -168,20 +169,32 @@ Result<std::vector<Setting>> SettingsStore::Load(const SettingsGroup& group, boo
   if (settings.empty()) {
     for (const auto& value : group.defaults) settings.push_back(Shown("", value.name, value.value));
   }
+  if (!group.password.empty()) {
+    Setting password;
+    password.name = group.password;
+    password.type = platform::kRegSz;
+    password.editable = password.secret = true;
+    settings.push_back(std::move(password));
+  }
   return settings;
+}
+
+Status SettingsStore::SaveSetting(const SettingsGroup& group, const Setting& setting) {
+  if (!setting.editable || (setting.secret && setting.text.empty())) return {};
+  const std::string path =
+      setting.secret ? Joined(kStagingBranch, kVersionKey) : Joined(Staged(group), setting.subkey);
+  KW_ASSIGN_OR_RETURN(auto key, registry_.CreateKey(Hive::kCurrentUser, path, platform::kKeyAll));
+  if (!setting.secret) return key->SetValue(setting.name, Stored(setting));
+  KW_ASSIGN_OR_RETURN(const std::string clear, Utf8ToCodePage(setting.text, code_page_));
+  const std::string sealed = CodePageToUtf8(CipherText(clear, code_page_, true), code_page_);
+  return key->SetValue(setting.name, RegistryValue::OfText(sealed));
 }
 
 Status SettingsStore::Save(const SettingsGroup& group, bool from_live, const std::vector<Setting>& settings) {
   // What the box does not show as text comes along unchanged.
   if (from_live) KW_RETURN_IF_ERROR(Flush(group));
   KW_RETURN_IF_ERROR(registry_.CreateKey(Hive::kCurrentUser, Staged(group), platform::kKeyAll).status());
-  for (const Setting& setting : settings) {
-    if (!setting.editable) continue;
-    KW_ASSIGN_OR_RETURN(
-        auto key,
-        registry_.CreateKey(Hive::kCurrentUser, Joined(Staged(group), setting.subkey), platform::kKeyAll));
-    KW_RETURN_IF_ERROR(key->SetValue(setting.name, Stored(setting)));
-  }
+  for (const Setting& setting : settings) KW_RETURN_IF_ERROR(SaveSetting(group, setting));
   if (group.flag.empty()) return {};
   KW_ASSIGN_OR_RETURN(auto root, registry_.CreateKey(Hive::kCurrentUser, kStagingBranch, platform::kKeyAll));
   return root->SetValue(group.flag, RegistryValue::OfDword(1));
@@ -198,7 +211,8 @@ Status SettingsStore::SaveChanged(const SettingsGroup& group, bool from_live) {
   if (found != settings.end()) {
     // Counting up never comes back to the value that another branch holds, as switching over would.
     found->text = std::to_string(LeadingInteger(found->text) + 1);
-  } else if (settings.empty()) {
+  } else if (std::all_of(settings.begin(), settings.end(),
+                         [](const Setting& setting) { return setting.secret; })) {
     settings.push_back(Shown("", "dwChanges", RegistryValue::OfDword(1)));
   }
   return Save(group, from_live, settings);

@@ -22,8 +22,8 @@ struct SettingsGroup {
   std::vector<std::string> left_keys = {""};
   /// What a group that exists nowhere starts from.
   std::vector<platform::RegistryKey::NamedValue> defaults;
-  /// A value of the version key that belongs to the group too; "" for none.
-  std::string version_value;
+  /// A password's value in the version key that belongs to the group too; "" for none.
+  std::string password;
 };
 
 SettingsGroup OnAccessSettings();
@@ -41,13 +41,15 @@ struct Setting {
   uint32_t type = 0;
   std::string text;  ///< text, or a number in decimal, or bytes in hexadecimal
   bool editable = false;
+  /// A password of the version key: shown empty, and saved enciphered where something was typed.
+  bool secret = false;
 };
 
 /// Reads and writes groups of settings in a registry. Text in UTF-8; a failure is the registry's own.
 class SettingsStore {
  public:
-  /// `registry` must outlive the store.
-  explicit SettingsStore(platform::Registry& registry) : registry_(registry) {}
+  /// `registry` must outlive the store; `code_page` is that of 8-bit text.
+  SettingsStore(platform::Registry& registry, int code_page) : registry_(registry), code_page_(code_page) {}
 
   /// Copies the live group into the staging branch, without a flag. A group that is not there is none to
   /// copy.
@@ -62,12 +64,14 @@ class SettingsStore {
   Status SaveChanged(const SettingsGroup& group, bool from_live);
 
  private:
-  Status CopyVersionValue(const SettingsGroup& group);
+  Status CopyPassword(const SettingsGroup& group);
+  Status SaveSetting(const SettingsGroup& group, const Setting& setting);
   Status ListKey(platform::Hive hive, const std::string& key, const std::string& subkey,
                  std::vector<Setting>& settings);
   bool Exists(platform::Hive hive, const std::string& path);
 
   platform::Registry& registry_;
+  int code_page_;
 };
 
 }  // namespace kw::sample

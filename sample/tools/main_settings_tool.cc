@@ -23,8 +23,8 @@ int main(int argc, char** argv) {
     return kBadCommand;
   }
   kw::platform::embedded::EmbeddedRegistry registry(start.paths.root(), start.code_page);
-  const auto outcome = kw::sample::RunTool(*command, registry, kw::sample::AnswerOfThisProcess(),
-                                           kw::sample::ShowSettingsDialog);
+  const auto outcome = kw::sample::RunTool(*command, registry, start.code_page,
+                                           kw::sample::AnswerOfThisProcess(), kw::sample::ShowSettingsDialog);
   if (!outcome.ok()) {
     std::fprintf(stderr, "%s: %s\n", argv[0], outcome.error().message.c_str());
     return 1;

@@ -1,4 +1,4 @@
-#include "sample/libraries/cipher.h"
+#include "sample/settings/cipher.h"
 
 #include <sodium.h>
 

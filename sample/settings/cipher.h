@@ -1,5 +1,5 @@
-#ifndef KITWRIGHT_SAMPLE_LIBRARIES_CIPHER_H_
-#define KITWRIGHT_SAMPLE_LIBRARIES_CIPHER_H_
+#ifndef KITWRIGHT_SAMPLE_SETTINGS_CIPHER_H_
+#define KITWRIGHT_SAMPLE_SETTINGS_CIPHER_H_
 
 #include <string>
 
@@ -24,4 +24,4 @@ std::string CipherText(std::string text, int code_page, bool encipher);
 
 }  // namespace kw::sample
 
-#endif  // KITWRIGHT_SAMPLE_LIBRARIES_CIPHER_H_
+#endif  // KITWRIGHT_SAMPLE_SETTINGS_CIPHER_H_
