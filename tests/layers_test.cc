@@ -85,9 +85,10 @@ bool IsTest(const std::string& file) {
 bool MayInclude(const std::string& file, const std::string& included) {
   const Prefixes* rule = RuleFor(file);
   if (!rule) return false;
-  // Tests may use the fakes of any level.
-  if (IsTest(file) && (included.starts_with("base/testing/") || included.starts_with("platform/testing/") ||
-                       included.starts_with("ui/testing/") || included.starts_with("ui/wx/testing/")))
+  // Tests may use the fakes of any level, and each other's helpers.
+  if (IsTest(file) && (IsTest(included) || included.starts_with("base/testing/") ||
+                       included.starts_with("platform/testing/") || included.starts_with("ui/testing/") ||
+                       included.starts_with("ui/wx/testing/")))
     return true;
   return std::any_of(rule->begin(), rule->end(), [&](const std::string& allowed) {
     if (!included.starts_with(allowed)) return false;
