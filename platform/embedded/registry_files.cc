@@ -14,6 +14,8 @@ namespace {
 // ";journal <8 digits: length> <16 digits: checksum>" CR LF.
 constexpr std::string_view kRecordMark = ";journal ";
 constexpr size_t kRecordHead = kRecordMark.size() + 8 + 1 + 16 + 2;
+// ";base <16 digits: size> <16 digits: time of the last change>" CR LF, the first line of a journal.
+constexpr std::string_view kBaseMark = ";base ";
 // A journal longer than this, and longer than its file, is folded in.
 constexpr uint64_t kLongJournal = 1 << 20;
 
@@ -35,6 +37,13 @@ std::optional<uint64_t> FromHex(std::string_view text) {
   const auto result = std::from_chars(text.data(), text.data() + text.size(), number, 16);
   if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return std::nullopt;
   return number;
+}
+
+// Binds a journal to the file on which it stands.
+std::string JournalHead(const FileIdentity& file) {
+  std::string head(kBaseMark);
+  head.append(Hex(static_cast<uint64_t>(file.size), 16)).append(" ");
+  return head.append(Hex(static_cast<uint64_t>(file.changed), 16)).append("\r\n");
 }
 
 std::string MakeRecord(const formats::RegFile& change) {
@@ -193,6 +202,12 @@ Status RegistryFiles::ReplayJournal(HiveState& state) {
   KW_ASSIGN_OR_RETURN(const size_t got,
                       file->ReadAt(state.journal_end, std::as_writable_bytes(std::span(content))));
   std::string_view rest = std::string_view(content).substr(0, got);
+  if (state.journal_end == 0) {
+    const std::string head = JournalHead(state.file_seen);
+    if (!rest.starts_with(head)) return {};
+    rest.remove_prefix(head.size());
+    state.journal_end = head.size();
+  }
   while (const auto lines = FirstRecord(rest)) {
     const formats::RegFile change = formats::ParseRegLines(*lines);
     for (const formats::RegFileKey& key : change.keys) state.tree.Apply(key);
@@ -213,12 +228,14 @@ Status RegistryFiles::Append(HiveState& state, std::string_view record) {
   if (state.journal_seen.size > static_cast<int64_t>(state.journal_end)) {
     KW_RETURN_IF_ERROR(writer.Truncate(state.journal_end));
   }
-  if (Status status = writer.WriteAt(state.journal_end, std::as_bytes(std::span(record))); !status.ok()) {
+  const std::string bytes =
+      state.journal_end == 0 ? JournalHead(state.file_seen) + std::string(record) : std::string(record);
+  if (Status status = writer.WriteAt(state.journal_end, std::as_bytes(std::span(bytes))); !status.ok()) {
     writer.Truncate(state.journal_end).IgnoreError();  // else the checksum tells
     state.journal_seen = FileIdentity::Of(state.journal);
     return status;
   }
-  state.journal_end += record.size();
+  state.journal_end += bytes.size();
   state.journal_seen.size = static_cast<int64_t>(state.journal_end);
   return {};
 }
@@ -227,7 +244,9 @@ Status RegistryFiles::Fold(Hive hive) {
   HiveState& state = State(hive);
   formats::RegFileWriter writer;
   RegistryTree::Write(state.tree.root(), std::string(HiveName(hive)), writer);
-  KW_RETURN_IF_ERROR(WriteFileAtomically(storage_, state.file, writer.File()));
+  if (state.journal_end != 0) {
+    KW_RETURN_IF_ERROR(WriteFileAtomically(storage_, state.file, writer.File()));
+  }
   state.file_seen = FileIdentity::Of(state.file);
   state.journal_writer.reset();
   KW_RETURN_IF_ERROR(storage_.Remove(state.journal));

@@ -18,9 +18,10 @@ namespace kw::platform::embedded {
 /// replaced as a whole. A change is not worth a whole file: it is appended as one record to a journal beside
 /// it ("HKEY_CURRENT_USER.journal"), which every process reads on top of the file, and which is folded into
 /// the file when the store closes, at Flush and when it has grown long. A record is registry-editor lines
-/// behind a comment with their length and checksum, so that a record cut off by a kill does not count.
-/// Replaying a journal that is in the file already changes nothing, so a kill between the replacement of the
-/// file and the removal of the journal does no harm either.
+/// behind a comment with their length and checksum, so that a record cut off by a kill does not count. The
+/// journal begins with size and time of the file it stands on; with any other file it does not count either,
+/// so neither a kill between the replacement of the file and the removal of the journal does harm, nor a
+/// registry that is laid out anew beside a left-over journal.
 class RegistryFiles : public RegistryStore {
  public:
   /// `folder` is a host folder, made at the first change; `code_page` that of 8-bit files. `storage` writes

@@ -259,6 +259,27 @@ TEST(EmbeddedRegistry, AFoldThatDiedBeforeRemovingTheJournalDoesNoHarm) {
   }
 }
 
+TEST(EmbeddedRegistry, ARegistryLaidOutAnewIsNotChangedByALeftOverJournal) {
+  const TempRoot root;
+  const std::string fresh = "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\X]\r\n\"n\"=dword:1\r\n";
+  root.Write("HKEY_CURRENT_USER.reg", fresh);
+  ::waitpid(Fork([&] {
+              EmbeddedRegistry registry(root.root(), 1252);
+              SetDword(registry, Hive::kCurrentUser, "X", "n", 2);
+              ::_exit(0);
+            }),
+            nullptr, 0);
+  ASSERT_TRUE(std::filesystem::exists(root.File("HKEY_CURRENT_USER.journal")));
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  root.Write("HKEY_CURRENT_USER.reg", fresh);
+  {
+    EmbeddedRegistry registry(root.root(), 1252);
+    EXPECT_EQ(GetDword(registry, Hive::kCurrentUser, "X", "n"), 1u);
+  }
+  EXPECT_EQ(root.Bytes("HKEY_CURRENT_USER.reg"), fresh);
+  EXPECT_FALSE(std::filesystem::exists(root.File("HKEY_CURRENT_USER.journal")));
+}
+
 TEST(EmbeddedRegistry, AKillAtAnyMomentLeavesWhatWasSetBefore) {
   const TempRoot root;
   uint32_t last = 0;
