@@ -62,7 +62,7 @@ class Cursor {
 }  // namespace
 
 Result<CabinetReader> CabinetReader::Open(Storage& storage, const std::string& path, int code_page) {
-  CabinetReader reader(storage, path);
+  CabinetReader reader(path);
   KW_ASSIGN_OR_RETURN(reader.file_, storage.Open(path, Storage::Mode::kRead));
   const Status status = reader.ReadHead(code_page);
   if (!status.ok()) return {status.number(), "Could not read the cabinet " + path + ": " + status.message()};

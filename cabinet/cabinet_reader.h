@@ -68,13 +68,12 @@ class CabinetReader {
   Status Extract(EntrySink& sink, const Wanted& wanted = {}, unsigned threads = 0);
 
  private:
-  CabinetReader(Storage& storage, std::string path) : storage_(&storage), path_(std::move(path)) {}
+  explicit CabinetReader(std::string path) : path_(std::move(path)) {}
   Status ReadHead(int code_page);
   Status ReadEntries(int code_page, uint32_t offset, size_t count);
   Status ExtractFolder(size_t folder, const std::vector<const CabinetEntry*>& entries, EntrySink& sink,
                        unsigned threads);
 
-  Storage* storage_;
   std::string path_;
   std::unique_ptr<StorageFile> file_;
   std::vector<CabinetEntry> entries_;
