@@ -22,7 +22,7 @@ FolderSink::~FolderSink() { DropPart(); }
 Status FolderSink::Begin(const CabinetEntry& entry) {
   KW_ASSIGN_OR_RETURN(const std::vector<std::string> parts, SafeParts(entry.name));
   std::string key;
-  for (const std::string& part : parts) key.append("\\").append(part);
+  for (const std::string& part : parts) key.append("\\").append(ToUpper(part));
   if (written_.contains(key)) {
     return {kErrorAlreadyExists, "another file of the cabinet has that name."};
   }
@@ -31,9 +31,7 @@ Status FolderSink::Begin(const CabinetEntry& entry) {
     KW_ASSIGN_OR_RETURN(folder, EnterFolder(folder, parts[i]));
   }
   KW_ASSIGN_OR_RETURN(FolderNames * names, NamesIn(folder));
-  const auto there = names->find(parts.back());
-  final_path_ = Below(folder, there == names->end() ? parts.back() : there->second);
-  names->emplace(parts.back(), parts.back());
+  final_path_ = Below(folder, names->emplace(ToUpper(parts.back()), parts.back()).first->second);
   KW_RETURN_IF_ERROR(OpenPart(folder));
   written_.insert(std::move(key));
   position_ = 0;
@@ -61,8 +59,8 @@ Status FolderSink::End(const CabinetEntry& entry, const Status& outcome) {
 
 Result<std::string> FolderSink::EnterFolder(const std::string& parent, const std::string& name) {
   KW_ASSIGN_OR_RETURN(FolderNames * names, NamesIn(parent));
-  const std::string path = Below(parent, names->emplace(name, name).first->second);
-  KW_RETURN_IF_ERROR(MakeHostFolder(path));
+  const std::string path = Below(parent, names->emplace(ToUpper(name), name).first->second);
+  if (!names_.contains(path)) KW_RETURN_IF_ERROR(MakeHostFolder(path));
   return path;
 }
 

@@ -1,10 +1,10 @@
 #ifndef KITWRIGHT_CABINET_FOLDER_SINK_H_
 #define KITWRIGHT_CABINET_FOLDER_SINK_H_
 
-#include <map>
 #include <memory>
-#include <set>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "base/storage.h"
@@ -34,8 +34,8 @@ class FolderSink : public EntrySink {
 
   Storage& storage_;
   std::string folder_;
-  std::map<std::string, FolderNames> names_;  // by host folder
-  std::set<std::string, LessNoCase> written_;
+  std::unordered_map<std::string, FolderNames> names_;  // by host folder; those in it are no links
+  std::unordered_set<std::string> written_;             // entry names in upper case
   std::unique_ptr<StorageFile> file_;
   std::string part_path_;
   std::string final_path_;

@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include "base/text.h"
+
 namespace kw::cabinet {
 namespace {
 
@@ -16,8 +18,9 @@ Result<FolderNames> NamesInHostFolder(const std::string& path) {
   FolderNames names;
   fs::directory_iterator it(PathOf(path), error);
   for (; !error && it != fs::directory_iterator(); it.increment(error)) {
-    const std::u8string name = it->path().filename().u8string();
-    names.emplace(std::string(name.begin(), name.end()), std::string(name.begin(), name.end()));
+    const std::u8string bytes = it->path().filename().u8string();
+    const std::string name(bytes.begin(), bytes.end());
+    names.emplace(ToUpper(name), name);
   }
   if (error) return {kErrorPathNotFound, "Could not read the folder " + path + ": " + error.message() + "."};
   return names;

@@ -2,11 +2,10 @@
 #define KITWRIGHT_CABINET_HOST_FILE_H_
 
 #include <cstdint>
-#include <map>
 #include <string>
+#include <unordered_map>
 
 #include "base/result.h"
-#include "base/text.h"
 
 namespace kw::cabinet {
 
@@ -27,8 +26,8 @@ Result<HostFileInfo> LookAtHostFile(const std::string& path);
 /// Gives a host file a cabinet entry's date, time and attributes. Impossible dates are left out.
 Status StampHostFile(const std::string& path, const FileStamp& stamp);
 
-/// The names in a host folder by their text without regard to case; kErrorPathNotFound when it is no folder.
-using FolderNames = std::map<std::string, std::string, LessNoCase>;
+/// The names in a host folder by their upper-case text; kErrorPathNotFound when it is no folder.
+using FolderNames = std::unordered_map<std::string, std::string>;
 Result<FolderNames> NamesInHostFolder(const std::string& path);
 
 /// Makes a folder, or finds it there. Fails when something else has the name, a link to a folder included.
