@@ -42,6 +42,7 @@ packages=(
   zlib1g-dev
   # Judges of what the wizard wrote
   cabextract
+  libmsi-dev
   msitools
   wine
   wine64
