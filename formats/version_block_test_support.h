@@ -14,7 +14,7 @@
 namespace kw::formats {
 
 inline void Put(std::string& out, uint64_t number, size_t bytes) {
-  for (size_t i = 0; i < bytes; ++i) out += static_cast<char>(number >> (8 * i) & 0xFF);
+  for (size_t i = 0; i < bytes; ++i) out += static_cast<char>(i < 8 ? number >> (8 * i) & 0xFF : 0);
 }
 
 inline void Pad(std::string& out, size_t alignment) {
