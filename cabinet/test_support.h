@@ -46,10 +46,10 @@ class MemorySink : public EntrySink {
 };
 
 /// A folder of its own for each test, and short ways to make files and cabinets in it.
-class CabinetFolderTest : public testing::Test {
+class CabinetFolderTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
     folder_ = std::filesystem::temp_directory_path() /
               (std::string("kw_cabinet_") + info->test_suite_name() + "_" + info->name());
     std::filesystem::remove_all(folder_);
