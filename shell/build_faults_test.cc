@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "base/path.h"
 #include "shell/frm_finish.h"
 #include "shell/frm_review_configuration.h"
@@ -77,6 +79,9 @@ struct Fault {
   FileOperation operation;
   const char* verb;  ///< of the log line, to count how often it comes in a good build; "" when none is kept
 };
+void PrintTo(const Fault& fault, std::ostream* out) {
+  *out << "operation " << static_cast<int>(fault.operation);
+}
 
 class BuildFaults : public ::testing::TestWithParam<Fault> {};
 
