@@ -49,9 +49,12 @@ Status CompoundFile::Load() {
   std::vector<bool> used(minifat_.size(), false);
   for (const CfEntry* entry : AllEntries()) {
     if (!entry->stream || entry->stream->place_ != CfStream::Place::kMini) continue;
-    for (const uint32_t sector : entry->stream->chain_) {
-      if (used[sector]) return Damaged("two small streams share a sector");
-      used[sector] = true;
+    const std::vector<uint32_t>& chain = entry->stream->chain_;
+    for (size_t i = 0; i < chain.size(); ++i) {
+      if (used[chain[i]]) return Damaged("two small streams share a sector");
+      used[chain[i]] = true;
+      // A chain is only as long as its stream, whatever the table says behind its end.
+      minifat_[chain[i]] = i + 1 < chain.size() ? chain[i + 1] : kEndOfChain;
     }
   }
   for (size_t sector = minifat_.size(); sector-- > 0;) {
