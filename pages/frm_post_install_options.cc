@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "pages/startup_ini.h"
+#include "settings/frm_scheduled_scan.h"
 
 namespace kw {
 namespace {
@@ -32,6 +33,13 @@ ui::Layout frmPostInstallOptions::PageLayout() {
   return Column({Place(ForceReboot), Place(DisplayMessage), Indent(Place(RebootMessage)),
                  Place(StartKestrane), Place(PerformScan), Place(RunUpdate), Space()},
                 1);
+}
+
+// Without its task there is no scan to run.
+void frmPostInstallOptions::ActivatePage() {
+  const bool missing = navigator_.Get<frmScheduledScan>().IsDefaultOnDemandTaskMissing();
+  if (missing) PerformScan.SetChecked(false);
+  PerformScan.SetEnabled(!missing);
 }
 
 void frmPostInstallOptions::ReadConfig() {

@@ -26,6 +26,7 @@ class frmPostInstallOptions : public WizardPage {
 
  protected:
   ui::Layout PageLayout() override;
+  void ActivatePage() override;
   void LeavePage(const std::string& name) override;
 
  private:
