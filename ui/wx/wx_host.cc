@@ -273,8 +273,10 @@ int WxHost::ShowPopup(Form& form, const PopupMenu& menu) {
   wxMenu popup;
   std::vector<int> ids;
   for (const MenuItem& item : menu.Items()) {
-    wxMenuItem* added = popup.AppendCheckItem(wxID_ANY, ToWx(item.caption));
-    added->Check(item.checked);
+    // An item that is not checked shows no box: most items never are.
+    wxMenuItem* added = item.checked ? popup.AppendCheckItem(wxID_ANY, ToWx(item.caption))
+                                     : popup.Append(wxID_ANY, ToWx(item.caption));
+    if (item.checked) added->Check();
     added->Enable(item.enabled);
     ids.push_back(added->GetId());
   }
