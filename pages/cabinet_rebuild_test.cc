@@ -1,7 +1,7 @@
 #include "pages/cabinet_rebuild.h"
 
 #include "base/text.h"
-#include "pages/open_package_fixture.h"
+#include "pages/open_package_test_support.h"
 
 namespace kw {
 namespace {

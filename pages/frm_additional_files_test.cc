@@ -1,7 +1,7 @@
 #include "pages/frm_additional_files.h"
 
 #include "pages/frm_additional_file.h"
-#include "pages/open_package_fixture.h"
+#include "pages/open_package_test_support.h"
 
 namespace kw {
 namespace {

@@ -1,6 +1,6 @@
 #include "pages/frm_features.h"
 
-#include "pages/open_package_fixture.h"
+#include "pages/open_package_test_support.h"
 
 namespace kw {
 namespace {

@@ -1,7 +1,7 @@
 #include "pages/frm_programs.h"
 
 #include "pages/frm_add_program.h"
-#include "pages/open_package_fixture.h"
+#include "pages/open_package_test_support.h"
 
 namespace kw {
 namespace {

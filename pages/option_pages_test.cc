@@ -1,7 +1,7 @@
 #include "pages/frm_add_remove_options.h"
 #include "pages/frm_install_options.h"
 #include "pages/frm_post_install_options.h"
-#include "pages/open_package_fixture.h"
+#include "pages/open_package_test_support.h"
 #include "settings/frm_scheduled_scan.h"
 
 namespace kw {

@@ -1,6 +1,6 @@
 #include "pages/frm_registry_settings.h"
 #include "pages/frm_zed_password.h"
-#include "pages/open_package_fixture.h"
+#include "pages/open_package_test_support.h"
 
 namespace kw {
 namespace {

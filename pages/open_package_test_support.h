@@ -1,5 +1,5 @@
-#ifndef KITWRIGHT_PAGES_OPEN_PACKAGE_FIXTURE_H_
-#define KITWRIGHT_PAGES_OPEN_PACKAGE_FIXTURE_H_
+#ifndef KITWRIGHT_PAGES_OPEN_PACKAGE_TEST_SUPPORT_H_
+#define KITWRIGHT_PAGES_OPEN_PACKAGE_TEST_SUPPORT_H_
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -119,4 +119,4 @@ struct OpenPackageFixture : ShellFixture {
 
 }  // namespace kw::testing
 
-#endif  // KITWRIGHT_PAGES_OPEN_PACKAGE_FIXTURE_H_
+#endif  // KITWRIGHT_PAGES_OPEN_PACKAGE_TEST_SUPPORT_H_
