@@ -231,7 +231,11 @@ bool frmInstallBWK::SaveConfig() {
   }
   if (!services_.files->FileExists(InstallerPath)) return false;
   const std::string folder = run_.DestinationFolder + "\\BWK";
-  if (!services_.files->FolderExists(folder)) services_.files->CreateFolder(folder).IgnoreError();
+  if (!services_.files->FolderExists(folder)) {
+    services_.files->CreateFolder(folder).IgnoreError();
+    // With a list, empty as it is, a build that fails takes the folder back.
+    if (!run_.BulwarkFileList) run_.BulwarkFileList = std::make_unique<FileList>();
+  }
   std::string final_installer = InstallerPath;
   if (!InstallerStands() && !MakeInstaller(final_installer)) return false;
   run_.BulwarkIncluded = ManagedBySTC.Checked();
