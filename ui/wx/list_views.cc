@@ -29,20 +29,14 @@ class ListBoxView : public ControlView {
         box_(new wxListBox(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr,
                            wxLB_SINGLE | wxLB_HSCROLL)) {
     box_->SetMinSize(box_->FromDIP(wxSize(180, 96)));
-    box_->Bind(wxEVT_LISTBOX, [this](wxCommandEvent&) { Pick(); });
-    box_->Bind(wxEVT_LEFT_UP, [this](wxMouseEvent& event) {
-      event.Skip();
-      // A click on the entry that is selected already changes nothing, and the widget says nothing of it.
-      if (!picked_)
-        box_->CallAfter([this, alive = std::weak_ptr<bool>(alive_)] {
-          if (!alive.expired()) PickAgain();
-        });
-    });
-    box_->Bind(wxEVT_LEFT_DOWN, [this](wxMouseEvent& event) {
-      event.Skip();
-      picked_ = false;
-      press_ = event.GetPosition();
-    });
+    const auto pick = [this](wxCommandEvent&) {
+      User([this] {
+        const int index = box_->GetSelection();
+        if (index >= 0 && index < list_.Count() && index != list_.Selected()) list_.UserPick(index);
+      });
+    };
+    box_->Bind(wxEVT_LISTBOX, pick);
+    box_->Bind(wxEVT_LISTBOX_DCLICK, pick);
   }
 
   wxWindow* Window() const override { return box_; }
@@ -63,24 +57,8 @@ class ListBoxView : public ControlView {
   }
 
  private:
-  void Pick() {
-    picked_ = true;
-    User([this] {
-      const int index = box_->GetSelection();
-      if (index >= 0 && index < list_.Count()) list_.UserPick(index);
-    });
-  }
-
-  void PickAgain() {
-    const int index = box_->HitTest(press_);
-    if (!picked_ && index != wxNOT_FOUND && index == box_->GetSelection()) Pick();
-  }
-
   ListBox& list_;
   wxListBox* box_;
-  bool picked_ = true;
-  wxPoint press_;
-  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 class ComboBoxView : public ControlView {
