@@ -7,10 +7,6 @@
 namespace kw::msi {
 namespace {
 
-Value FileValue(Storage& storage, const std::string& path) {
-  return Value::Stream(std::make_shared<StreamField>(storage, path));
-}
-
 class ArchiveTest : public DatabaseTest {
  protected:
   void SetUp() override {

@@ -117,7 +117,9 @@ Result<std::unique_ptr<View>> Database::OpenView(std::string_view sql) {
     prepared->statement = *std::move(statement);
   }
   std::unique_ptr<View> view(new View(core_, prepared, ++last_id));
-  KW_RETURN_IF_ERROR(view->CheckNames());
+  const Status names = view->CheckNames();
+  if (!names.ok())
+    return {names.number(), names.message() + " The statement is \"" + std::string(sql) + "\"."};
   return view;
 }
 

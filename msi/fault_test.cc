@@ -9,10 +9,6 @@ namespace {
 
 using testing::FaultyStorage;
 
-Value FileValue(Storage& storage, const std::string& path) {
-  return Value::Stream(std::make_shared<StreamField>(storage, path));
-}
-
 class FaultTest : public DatabaseTest {
  protected:
   void SetUp() override {

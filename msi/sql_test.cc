@@ -151,6 +151,8 @@ TEST_F(SqlTest, WhatIsNoStatementIsRefusedWithItsText) {
   }
   EXPECT_NE(RunSql(*db, "select * fron `Feature`").message().find("select * fron `Feature`"),
             std::string::npos);
+  EXPECT_EQ(RunSql(*db, "select `X` from `Feature`").message(),
+            "There is no column X. The statement is \"select `X` from `Feature`\".");
   const std::string deep = "select * from `Feature` where " + std::string(5000, '(') + "`Level` = 1";
   EXPECT_EQ(Number(deep), kErrorBadQuerySyntax);
 }

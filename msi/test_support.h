@@ -41,6 +41,11 @@ inline std::string Numbered(std::string prefix, long long number) {
   return prefix;
 }
 
+/// A stream of the host file `path`.
+inline Value FileValue(Storage& storage, const std::string& path) {
+  return Value::Stream(std::make_shared<StreamField>(storage, path));
+}
+
 inline Value T(std::string text) { return Value::Text(std::move(text)); }
 inline Value I(int32_t number) { return Value::Integer(number); }
 
