@@ -24,6 +24,8 @@ packages=(
   libdeflate-dev
   libisal-dev
   libmspack-dev
+  # Help books
+  fp-utils
   # Tests
   libgmock-dev
   libgtest-dev
