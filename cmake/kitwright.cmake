@@ -17,6 +17,16 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wimplicit-fallthrough -We
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 12
    AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
+  if(WIN32)
+    # Its cross compiler also takes a string that was moved from for one without a value.
+    add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-maybe-uninitialized>)
+  endif()
+endif()
+if(WIN32)
+  # One file a program, that needs nothing beside the system's own libraries; the calls' 16-bit forms.
+  set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
+  add_link_options(-static)
+  add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00)
 endif()
 if(KITWRIGHT_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Installs the Debian packages that building, testing and running Kitwright need. Does nothing, quickly, when all
-# are there. Works as root or through sudo. One package a line; docs/dependencies.md says what each is for.
+# Installs the Debian packages that building, testing and running Kitwright need, with --windows also those that building
+# it for Windows needs. Does nothing, quickly, when all are there. Works as root or through sudo. One package a line; docs/dependencies.md says what each is for.
 set -euo pipefail
 
 packages=(
@@ -49,6 +49,21 @@ packages=(
   wine
   wine64
 )
+
+# Cross-building for Windows: the compiler, what the libraries' own builds run, what draws the icon
+if [[ ${1:-} == --windows ]]; then
+  packages+=(
+    autoconf
+    automake
+    dpkg-dev
+    g++-mingw-w64-x86-64-posix
+    librsvg2-bin
+    libtool
+    libz-mingw-w64-dev
+    make
+    nasm
+  )
+fi
 
 missing=()
 for package in "${packages[@]}"; do

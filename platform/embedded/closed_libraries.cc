@@ -2,166 +2,37 @@
 
 #include <dlfcn.h>
 
-#include "base/path.h"
 #include "base/text.h"
 #include "platform/shared/library_abi.h"
 
 namespace kw::platform::embedded {
-namespace {
 
-constexpr const char* kProductKey = "SOFTWARE\\Orvantic\\RDX\\Kestrane Enterprise\\CurrentVersion";
-
-uintptr_t RootOf(Hive hive) {
-  return hive == Hive::kCurrentUser ? KITWRIGHT_HKEY_CURRENT_USER : KITWRIGHT_HKEY_LOCAL_MACHINE;
-}
-
-}  // namespace
-
-std::vector<std::string> EmbeddedClosedLibraries::SearchFolders() {
-  std::vector<std::string> folders{system_.ProgramFolder(), files_.CurrentFolder()};
-  const auto key = registry_.OpenKey(Hive::kLocalMachine, kProductKey, kKeyQuery);
-  if (key.ok()) {
-    constexpr uint32_t kLongest = 512;
-    const auto folder = (*key)->QueryValue("szInstallDir", kLongest);
-    if (folder.ok() && !folder->Text().empty()) folders.push_back(folder->Text());
-  }
-  return folders;
-}
-
-Result<void*> EmbeddedClosedLibraries::Load(const std::string& library) {
-  const auto known = loaded_.find(library);
-  if (known != loaded_.end()) return known->second;
-  const std::string name = library + ".so";
-  // A bare name makes the loader look along its own path.
-  std::string file = name;
-  for (const std::string& folder : SearchFolders()) {
-    const std::string path = JoinPath(folder, name);
-    if (!files_.FileExists(path)) continue;
-    file = files_.Paths().HostPath(path);
-    break;
-  }
-  void* handle = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+void* EmbeddedClosedLibraries::LoadFile(const std::string& file, std::string& reason) {
+  const bool bare_name = file.find('\\') == std::string::npos;
+  const std::string host = bare_name ? file : files_.Paths().HostPath(file);
+  void* const handle = ::dlopen(host.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
-    const char* reason = ::dlerror();
-    return Error{kErrorModuleNotFound, "Could not load the library " + library + ": " +
-                                           (reason == nullptr ? "no reason given" : reason) + "."};
+    const char* said = ::dlerror();
+    reason = said == nullptr ? "no reason given" : said;
   }
-  loaded_[library] = handle;
   return handle;
 }
 
-template <typename Function, typename... Arguments>
-auto EmbeddedClosedLibraries::Call(const char* library, const char* function, Arguments... arguments)
-    -> Result<decltype(static_cast<Function*>(nullptr)(arguments...))> {
-  KW_ASSIGN_OR_RETURN(void* const handle, Load(library));
-  auto* const called = reinterpret_cast<Function*>(::dlsym(handle, function));
-  if (called == nullptr) {
-    return Error{kErrorProcedureNotFound,
-                 std::string("The library ") + library + " has no function " + function + "."};
-  }
-  auto result = called(arguments...);
-  auto* const raised = reinterpret_cast<decltype(::LastCallRaised)*>(::dlsym(handle, "LastCallRaised"));
-  const int number = raised == nullptr ? 0 : raised();
-  if (number != 0) {
-    return Error{number, std::string("The call of ") + function + " in the library " + library +
-                             " failed with error " + std::to_string(number) + "."};
-  }
-  return result;
+void* EmbeddedClosedLibraries::FindFunction(void* library, const char* name) {
+  return ::dlsym(library, name);
 }
 
-Result<std::string> EmbeddedClosedLibraries::Narrow(const std::string& text) {
-  return Utf8ToCodePage(text, system_.CodePage());
+Status EmbeddedClosedLibraries::Run(const std::function<void()>& call) {
+  call();
+  return {};
 }
 
-Result<int> EmbeddedClosedLibraries::IsAdmin() { return Call<decltype(::IsAdmin)>("zedutil", "IsAdmin"); }
-
-Result<int> EmbeddedClosedLibraries::RegShDeleteKey(Hive root, const std::string& subkey) {
-  const std::u16string wide = Utf8ToUtf16(subkey);
-  return Call<decltype(::REG_SHDeleteKey)>("zedutil", "REG_SHDeleteKey", RootOf(root), wide.c_str());
-}
-
-Result<int> EmbeddedClosedLibraries::RegShDeleteEmptyKey(Hive root, const std::string& subkey) {
-  const std::u16string wide = Utf8ToUtf16(subkey);
-  return Call<decltype(::REG_SHDeleteEmptyKey)>("zedutil", "REG_SHDeleteEmptyKey", RootOf(root),
-                                                wide.c_str());
-}
-
-Result<int> EmbeddedClosedLibraries::RegShDeleteEmptyKeyEx(Hive root, const std::string& subkey) {
-  const std::u16string wide = Utf8ToUtf16(subkey);
-  return Call<decltype(::REG_SHDeleteEmptyKeyEx)>("zedutil", "REG_SHDeleteEmptyKeyEx", RootOf(root),
-                                                  wide.c_str());
-}
-
-Result<int> EmbeddedClosedLibraries::RegShCopyKey(Hive root, const std::string& subkey, Hive destination_root,
-                                                  const std::string& destination) {
-  const std::u16string wide = Utf8ToUtf16(subkey);
-  const std::u16string target = Utf8ToUtf16(destination);
-  const KitwrightOpenKey open{RootOf(destination_root), target.c_str()};
-  return Call<decltype(::REG_SHCopyKey)>("zedutil", "REG_SHCopyKey", RootOf(root), wide.c_str(), &open, 0);
-}
-
-Result<int> EmbeddedClosedLibraries::ConvertRegFile(const std::string& path) {
+Result<int> EmbeddedClosedLibraries::WithOpenKey(Hive root, const std::string& path,
+                                                 const std::function<Result<int>(const void* key)>& call) {
   const std::u16string wide = Utf8ToUtf16(path);
-  return Call<decltype(::ConvertRegFile)>("zedutil", "ConvertRegFile", wide.c_str(), 0);
-}
-
-Result<int> EmbeddedClosedLibraries::EncryptDecryptFile(bool encrypt, const std::string& source,
-                                                        const std::string& destination) {
-  const std::u16string from = Utf8ToUtf16(source);
-  std::u16string to = Utf8ToUtf16(destination);
-  return Call<decltype(::EncryptDecrypt)>("zedutil", "EncryptDecrypt", encrypt ? 1 : 0, 1, 0, from.c_str(),
-                                          to.data());
-}
-
-Result<int> EmbeddedClosedLibraries::EncryptTextInPlace(std::string& text) {
-  return Call<decltype(::EncryptDecrypt)>("zedutil", "EncryptDecrypt", 1, 0, static_cast<int>(text.size()),
-                                          text.data(), text.data());
-}
-
-Result<int> EmbeddedClosedLibraries::EmalConfigZed(int mode, int flush) {
-  return Call<decltype(::Emal_ConfigZED)>("TxMailScan", "Emal_ConfigZED", nullptr, 1, mode, flush);
-}
-
-Result<int> EmbeddedClosedLibraries::EditSiteList(const std::string& help_path) {
-  const std::u16string wide = Utf8ToUtf16(help_path);
-  return Call<decltype(::EditSiteList)>("TxPanelLib", "EditSiteList", nullptr, 0, "0", wide.c_str());
-}
-
-Result<int> EmbeddedClosedLibraries::InitializeHtmlHelpPath(const std::string& context) {
-  const std::u16string wide = Utf8ToUtf16(context);
-  return Call<decltype(::InitializeHtmlHelpPath)>("TxHelpLib", "InitializeHtmlHelpPath", wide.c_str());
-}
-
-Result<std::string> EmbeddedClosedLibraries::GetHtmlHelpPath() {
-  KW_ASSIGN_OR_RETURN(const char16_t* const path,
-                      Call<decltype(::GetHtmlHelpPath)>("TxHelpLib", "GetHtmlHelpPath"));
-  return path == nullptr ? std::string() : Utf16ToUtf8(path);
-}
-
-Result<int> EmbeddedClosedLibraries::TxUnzip(const std::string& archive, const std::string& folder) {
-  KW_ASSIGN_OR_RETURN(const std::string from, Narrow(archive));
-  KW_ASSIGN_OR_RETURN(const std::string to, Narrow(folder));
-  return Call<decltype(::TxUnzip)>("TxUnzip", "TxUnzip", from.c_str(), to.c_str());
-}
-
-Result<int> EmbeddedClosedLibraries::BwkExtractInstallerFiles(const std::string& installer,
-                                                              const std::string& folder) {
-  KW_ASSIGN_OR_RETURN(const std::string from, Narrow(installer));
-  KW_ASSIGN_OR_RETURN(const std::string to, Narrow(folder));
-  return Call<decltype(::BWKExtractInstallerFilesA)>("bulwarkcfg", "BWKExtractInstallerFilesA", from.c_str(),
-                                                     to.c_str());
-}
-
-Result<int> EmbeddedClosedLibraries::BwkCreateInstaller(const std::string& installer,
-                                                        const std::string& preferences,
-                                                        const std::string* install_folder, int fourth,
-                                                        int fifth) {
-  KW_ASSIGN_OR_RETURN(const std::string file, Narrow(installer));
-  KW_ASSIGN_OR_RETURN(const std::string settings, Narrow(preferences));
-  KW_ASSIGN_OR_RETURN(const std::string folder, Narrow(install_folder == nullptr ? "" : *install_folder));
-  return Call<decltype(::BWKCreateInstallerA)>(
-      "bulwarkcfg", "BWKCreateInstallerA", file.c_str(), settings.c_str(),
-      install_folder == nullptr ? nullptr : folder.c_str(), fourth, fifth);
+  const KitwrightOpenKey open{
+      root == Hive::kCurrentUser ? KITWRIGHT_HKEY_CURRENT_USER : KITWRIGHT_HKEY_LOCAL_MACHINE, wide.c_str()};
+  return call(&open);
 }
 
 }  // namespace kw::platform::embedded

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Cross-builds the libraries that have no mingw package in Debian, from Debian's source packages, as static libraries,
-# once, into a cache outside the tree. Prints the folder that holds them. A library whose result is there is not
-# built again.
+# once, into a cache outside the tree. Prints the folder that holds them. A library is built again only when the way to
+# build it has changed.
 #
 # The cache: $KITWRIGHT_CACHE, or kitwright below the user's cache folder.
 set -euo pipefail
@@ -13,17 +13,7 @@ stamps=$cache/stamps
 mkdir -p "$prefix" "$sources" "$stamps"
 exec 3>&1 1>&2
 
-as_root=()
-[[ $(id -u) -eq 0 ]] || as_root=(sudo)
-needed=()
-for package in g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix cmake ninja-build make dpkg-dev nasm \
-               autoconf automake libtool pkg-config libz-mingw-w64-dev; do
-  [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true) == installed ]] || needed+=("$package")
-done
-if [[ ${#needed[@]} -gt 0 ]]; then
-  "${as_root[@]}" apt-get -q update
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y --no-install-recommends install "${needed[@]}"
-fi
+"$root/scripts/install-dependencies.sh" --windows
 
 # Source packages come through lists of their own, made from the system's; the system's stay as they are.
 apt_state=$cache/apt
@@ -61,24 +51,29 @@ fetch() {
 }
 
 jobs=$(nproc)
+launcher=()
+if command -v ccache >/dev/null; then launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi
 # cmake_build NAME OPTIONS...: configures, builds and installs $sources/NAME.
 cmake_build() {
   local name=$1
   shift
   KITWRIGHT_WINDOWS_PREFIX=$prefix cmake -G Ninja -S "$sources/$name" -B "$cache/build/$name" \
     -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64.cmake" -DCMAKE_BUILD_TYPE=Release \
-    -DCMAKE_INSTALL_PREFIX="$prefix" -DBUILD_SHARED_LIBS=OFF "$@"
+    -DCMAKE_INSTALL_PREFIX="$prefix" -DBUILD_SHARED_LIBS=OFF "${launcher[@]}" "$@"
   cmake --build "$cache/build/$name" -j"$jobs"
   cmake --install "$cache/build/$name"
   rm -rf "$cache/build/$name"
 }
-# library NAME: builds it with the function build_NAME unless its stamp is there.
+# library NAME: builds it with the function build_NAME unless that very function has built it already.
 library() {
-  [[ -e $stamps/$1 ]] && return
+  local build stamp
+  build=build_${1//[^a-z0-9]/_}
+  stamp=$stamps/$1-$(declare -f "$build" | sha256sum | cut -c 1-12)
+  [[ -e $stamp ]] && return
   echo "Cross-building $1"
   fetch "$1"
-  "build_${1//[^a-z0-9]/_}"
-  touch "$stamps/$1"
+  "$build"
+  touch "$stamp"
 }
 
 build_pugixml() { cmake_build pugixml; }
@@ -112,11 +107,12 @@ build_libzip() {
     -DENABLE_WINDOWS_CRYPTO=OFF -DENABLE_BZIP2=OFF -DENABLE_LZMA=OFF -DENABLE_ZSTD=OFF -DBUILD_TOOLS=OFF \
     -DBUILD_REGRESS=OFF -DBUILD_OSSFUZZ=OFF -DBUILD_EXAMPLES=OFF -DBUILD_DOC=OFF
 }
-# Windows, dialogs, grids and the help viewer, without all that the wizard does not use; the repacked source lacks the
-# bundled picture libraries.
+# Windows, dialogs, grids and the help viewer, without all that the wizard does not use. The repacked source lacks the
+# bundled picture libraries: pictures are SVG.
 build_wxwidgets3_2() {
   cmake_build wxwidgets3.2 -DwxBUILD_SHARED=OFF \
-    -DwxUSE_ZLIB=OFF -DwxUSE_LIBPNG=OFF -DwxUSE_LIBJPEG=OFF -DwxUSE_LIBTIFF=OFF -DwxUSE_NANOSVG=OFF -DwxUSE_SVG=OFF \
+    -DwxUSE_NANOSVG=builtin -DwxUSE_ZLIB=sys -DZLIB_LIBRARY=/usr/x86_64-w64-mingw32/lib/libz.a \
+    -DwxUSE_LIBPNG=OFF -DwxUSE_LIBJPEG=OFF -DwxUSE_LIBTIFF=OFF -DwxUSE_SVG=OFF \
     -DwxUSE_ARTPROVIDER_TANGO=OFF -DwxUSE_XRC=OFF -DwxUSE_XML=OFF -DwxUSE_EXPAT=OFF -DwxUSE_REGEX=OFF \
     -DwxUSE_SOCKETS=OFF -DwxUSE_URL=OFF -DwxUSE_FS_INET=OFF -DwxUSE_WEBREQUEST=OFF \
     -DwxUSE_PROTOCOL=OFF -DwxUSE_PROTOCOL_FTP=OFF -DwxUSE_PROTOCOL_HTTP=OFF -DwxUSE_PROTOCOL_FILE=OFF \
