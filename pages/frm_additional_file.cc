@@ -16,8 +16,6 @@ constexpr const char* kDrive = "drive";
 constexpr int kCompressed = 16384;
 // A larger size does not fit the 16-bit value and leaves it at 0.
 constexpr int64_t kLargestSize = 32767;
-constexpr const char* kInsertDirectory =
-    "insert into `Directory` (`Directory`, `Directory_Parent`, `DefaultDir`) values (?, ?, ?)";
 
 constexpr std::pair<const char*, const char*> kFolders[] = {
     {"INSTALLDIR", "Product Install"},     {"DesktopFolder", "Desktop"},
@@ -189,24 +187,25 @@ void frmAdditionalFile::OnOk() {
   ClearFields();
 }
 
+// What can fail for a name's sake (text that the package cannot hold) fails before the old rows go.
 Status frmAdditionalFile::WriteRows(const File& file) {
   frmAdditionalFiles& page = context_.navigator.Get<frmAdditionalFiles>();
-  KW_RETURN_IF_ERROR(page.DeleteFileRows(FileKey));
-  if (const size_t underscore = FileKey.find('_', 4); underscore != std::string::npos)
-    FileKey.erase(underscore);
-  FileKey += "_" + file.name;
+  const std::string key = FileKey.substr(0, FileKey.find('_', 4)) + "_" + file.name;
   KW_ASSIGN_OR_RETURN(const std::string directory, WriteDirectories());
+  if (key == FileKey) KW_RETURN_IF_ERROR(page.DeleteFileRows(key));
   KW_RETURN_IF_ERROR(db_.RunSql(
       "insert into `Component` (`Component`, `Directory_`, `Attributes`, `ComponentId`) values (?, ?, ?, ?)",
-      {FileKey, directory, 0, MakeGuidString(context_.services)}));
+      {key, directory, 0, MakeGuidString(context_.services)}));
   KW_RETURN_IF_ERROR(db_.RunSql("insert into `FeatureComponents` (`Feature_`, `Component_`) values (?, ?)",
-                                {"Console", FileKey}));
+                                {"Console", key}));
   ++page.LastSequence;
-  return db_.RunSql(
+  KW_RETURN_IF_ERROR(db_.RunSql(
       "insert into `File` (`File`, `Component_`, `FileName`, `FileSize`, `Attributes`, `Sequence`) values "
-      "(?, ?, ?, "
-      "?, ?, ?)",
-      {FileKey, FileKey, file.name, file.size, kCompressed, page.LastSequence});
+      "(?, ?, ?, ?, ?, ?)",
+      {key, key, file.name, file.size, kCompressed, page.LastSequence}));
+  if (key != FileKey) KW_RETURN_IF_ERROR(page.DeleteFileRows(FileKey));
+  FileKey = key;
+  return {};
 }
 
 // The directory that the file goes to; makes the rows of a drive's first use and of every subfolder.
@@ -215,21 +214,34 @@ Result<std::string> frmAdditionalFile::WriteDirectories() {
   if (selected < 0) return {kErrorInvalidParameter, "No destination folder is selected."};
   std::string& internal_name = internal_names_[static_cast<size_t>(selected)];
   if (internal_name == kDrive) {
-    const std::string id = MakeUniqueId(context_.services, context_.run);
-    internal_name = id;
-    KW_RETURN_IF_ERROR(db_.RunSql(kInsertDirectory, {id, "TARGETDIR", "."}));
+    KW_ASSIGN_OR_RETURN(const std::string id, AddDirectory("TARGETDIR", "."));
     KW_RETURN_IF_ERROR(db_.RunSql("insert into `Property` (`Property`, `Value`) values (?, ?)",
                                   {id, DestinationFolder.Text() + "\\"}));
+    internal_name = id;
   }
   std::string directory = internal_name;
   std::string rest = SubFolders.Text();
   while (!rest.empty()) {
-    const std::string part = TakeFirstPathPart(rest);
-    const std::string id = MakeUniqueId(context_.services, context_.run);
-    KW_RETURN_IF_ERROR(db_.RunSql(kInsertDirectory, {id, directory, part}));
-    directory = id;
+    KW_ASSIGN_OR_RETURN(directory, AddDirectory(directory, TakeFirstPathPart(rest)));
   }
   return directory;
+}
+
+Result<std::string> frmAdditionalFile::AddDirectory(const std::string& parent,
+                                                    const std::string& default_dir) {
+  // Rows of earlier runs stay in the package, and their keys are as unique as the time of day.
+  std::string id;
+  bool taken = true;
+  while (taken) {
+    id = MakeUniqueId(context_.services, context_.run);
+    KW_ASSIGN_OR_RETURN(const auto row,
+                        db_.QuerySql("select `Directory` from `Directory` where `Directory` = ?", {id}));
+    taken = row != nullptr;
+  }
+  KW_RETURN_IF_ERROR(
+      db_.RunSql("insert into `Directory` (`Directory`, `Directory_Parent`, `DefaultDir`) values (?, ?, ?)",
+                 {id, parent, default_dir}));
+  return id;
 }
 
 void frmAdditionalFile::FillGridRow() {

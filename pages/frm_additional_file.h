@@ -53,6 +53,8 @@ class frmAdditionalFile : public WizardDialog {
   Result<File> LookUpFile();
   Status WriteRows(const File& file);
   Result<std::string> WriteDirectories();
+  /// A new row of the table Directory; gives its key.
+  Result<std::string> AddDirectory(const std::string& parent, const std::string& default_dir);
   void FillGridRow();
 
   std::vector<std::string> internal_names_;

@@ -145,12 +145,22 @@ void frmAdditionalFiles::AdjustControls() {
 void frmAdditionalFiles::OnNew() {
   Grid.SelectRow(Grid.Rows() - 1);
   frmAdditionalFile& dialog = navigator_.Get<frmAdditionalFile>();
-  dialog.FileKey = MakeUniqueId(services_, run_);
+  dialog.FileKey = UnusedFileKey();
   dialog.AddingNew = true;
   dialog.InPackage = false;
   dialog.SourceFile.EnableWithColor(true);
   dialog.Browse.SetEnabled(true);
   dialog.ShowModal();
+}
+
+// The package may hold files of an earlier run at this time of day.
+std::string frmAdditionalFiles::UnusedFileKey() {
+  while (true) {
+    std::string key = MakeUniqueId(services_, run_);
+    bool taken = false;
+    for (int row = 1; row < Grid.Rows(); ++row) taken |= Grid.Cell(row, kKey).starts_with(key + "_");
+    if (!taken) return key;
+  }
 }
 
 void frmAdditionalFiles::OnEdit() {

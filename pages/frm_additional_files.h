@@ -48,6 +48,7 @@ class frmAdditionalFiles : public WizardPage {
   };
 
   void OnNew();
+  std::string UnusedFileKey();
   void OnEdit();
   void OnDelete();
   Status ReadFiles();
