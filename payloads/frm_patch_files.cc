@@ -64,7 +64,6 @@ void frmPatchFiles::ReadConfig() {
             WriteIniValue(services_, run_.WorkingSetupIniPath, kStartupSection, PatchKey(i), std::nullopt)))
       return;
   }
-  UpdateListExtent();
 }
 
 std::string frmPatchFiles::BrowsePatchFile(const std::string& current_path) {
