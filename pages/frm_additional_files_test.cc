@@ -126,6 +126,34 @@ TEST_F(AdditionalFilesTest, SubfoldersMakeARowForEachPartAndEachFile) {
   EXPECT_THAT(Choices<frmAdditionalFiles>(), Contains("\tDestination subfolder: a\\b"));
 }
 
+TEST_F(AdditionalFilesTest, KeysOfAnEarlierRunAtThisTimeOfDayAreNotUsedAgain) {
+  Open();
+  Add("C:\\Files\\notes.txt", "C:", "a");
+  ReadBack();
+  const std::string old_key = Key(1);
+  run.UniqueIdCounter = 0;
+  Add("C:\\Files\\notes.txt", "D:", "a\\b\\c\\d");
+  EXPECT_FALSE(dialog().Visible());
+  EXPECT_THAT(GridRows(),
+              ElementsAre("[IN_PACKAGE]notes.txt|C:|a", "C:\\Files\\notes.txt|D:|a\\b\\c\\d", "||"));
+  EXPECT_NE(Key(2), old_key);
+}
+
+TEST_F(AdditionalFilesTest, AnEditThatThePackageCannotHoldKeepsTheOldRows) {
+  machine.files.AddFile("C:\\Files\\\xE6\x97\xA5.txt", "x");
+  Open();
+  Add("C:\\Files\\notes.txt");
+  const std::string old_key = Key(1);
+  page().Grid.UserPick(1);
+  Take();
+  Fill("C:\\Files\\\xE6\x97\xA5.txt", "", "");
+  page().EditButton.UserClick();
+  EXPECT_THAT(machine.transcript.Lines(), Contains(::testing::StartsWith("message ")));
+  EXPECT_EQ(Key(1), old_key);
+  EXPECT_THAT(Rows("select `FileName` from `File` where `File` = ?", {old_key}), ElementsAre("notes.txt"));
+  EXPECT_TRUE(page().CreateCabFile());
+}
+
 TEST_F(AdditionalFilesTest, AnEditMovesAnInPackageFileButCannotChangeIt) {
   Open();
   Add("C:\\Files\\notes.txt");
