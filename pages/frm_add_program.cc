@@ -39,7 +39,7 @@ ui::Layout frmAddProgram::ContentLayout() {
   using namespace ui;
   return Column({Fields({Place(ExeFileNameLabel), Row({Place(ExeFileName, 1), Place(Browse)}),
                          Place(ParametersLabel), Place(Parameters)}),
-                 Space(), Row({Space(), Place(OK), Place(Cancel), Place(Help)})},
+                 Space(), Buttons({Space(), Place(OK), Place(Cancel), Place(Help)})},
                 1);
 }
 

@@ -65,7 +65,7 @@ ui::Layout frmAdditionalFile::ContentLayout() {
   return Column({Fields({Place(SourceFileLabel), Row({Place(SourceFile, 1), Place(Browse)}),
                          Place(DestinationFolderLabel), Place(DestinationFolder), Place(SubFoldersLabel),
                          Place(SubFolders)}),
-                 Space(), Row({Space(), Place(cmdOK), Place(cmdCancel), Place(Help)})},
+                 Space(), Buttons({Space(), Place(cmdOK), Place(cmdCancel), Place(Help)})},
                 1);
 }
 

@@ -39,7 +39,7 @@ frmConfigureBWK::frmConfigureBWK(PageContext& context)
 
 ui::Layout frmConfigureBWK::ContentLayout() {
   using namespace ui;
-  return Column({Place(STCConsoleCtrl81, 1), Row({Space(), Place(OK), Place(Cancel), Place(Help)})}, 1);
+  return Column({Place(STCConsoleCtrl81, 1), Buttons({Space(), Place(OK), Place(Cancel), Place(Help)})}, 1);
 }
 
 std::string frmConfigureBWK::ScratchFile() const {

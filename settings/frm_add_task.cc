@@ -62,7 +62,7 @@ frmAddTask::frmAddTask(PageContext& context)
 ui::Layout frmAddTask::ContentLayout() {
   using namespace ui;
   return Column({Fields({Place(TaskNameLabel), Place(TaskName)}), Row({Place(ConfigureSettings), Space()}),
-                 Space(), Row({Space(), Place(OK), Place(Cancel), Place(Help)})},
+                 Space(), Buttons({Space(), Place(OK), Place(Cancel), Place(Help)})},
                 1);
 }
 

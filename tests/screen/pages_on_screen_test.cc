@@ -43,7 +43,10 @@ const char* const kForms[] = {"frmWelcome",
                               "frmReviewConfiguration",
                               "frmFinish",
                               "frmDestination",
-                              "frmType"};
+                              "frmType",
+                              "frmAddProgram",
+                              "frmAdditionalFile",
+                              "frmAddTask"};
 
 class PagesOnScreen : public ::testing::TestWithParam<const char*> {
  protected:

@@ -173,7 +173,11 @@ wxSizer* FormLayout::Children(const Layout& layout, bool in_row) {
   const Layout* before = nullptr;
   for (const Layout& child : layout.children) {
     int gap = 0;
-    if (before && before->kind != Layout::Kind::kSpace && child.kind != Layout::Kind::kSpace) {
+    // Buttons keep their distance also where the room in front of them is used up.
+    const bool behind_space = before && before->kind == Layout::Kind::kSpace;
+    if (behind_space && child.kind == Layout::Kind::kButtons) {
+      gap = kEdge;
+    } else if (before && !behind_space && child.kind != Layout::Kind::kSpace) {
       gap = in_row ? kGap - 2 : GapBetween(*before, child);
     }
     Add(child, *sizer, in_row, gap);

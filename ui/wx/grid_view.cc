@@ -124,6 +124,8 @@ class GridView : public ControlView {
       const wxDataViewItem item = view_->GetSelection();
       if (item.IsOk()) grid_.UserPick(static_cast<int>(model_->GetRow(item)) + 1);
     });
+    // The widget selects the row that gets the focus.
+    if (!grid_.Highlight()) ApplySelection();
   }
 
   void Key(wxKeyEvent& event) {

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "ui/form.h"
+#include "ui/wx/label_text.h"
 #include "ui/wx/status_window.h"
 #include "ui/wx/wizard_frame.h"
 #include "ui/wx/wx_text.h"
@@ -24,6 +25,7 @@ namespace {
 // painted.
 constexpr unsigned long kTurnMilliseconds = 3;
 constexpr long kPaintMilliseconds = 120;
+constexpr int kDialogWidth = 520;  // of a new dialog's content
 
 void Forget(std::vector<Form*>& forms, const Form& form) {
   forms.erase(std::remove(forms.begin(), forms.end(), &form), forms.end());
@@ -155,6 +157,8 @@ void WxHost::ShowDialog(Form& form) {
     auto* whole = new wxBoxSizer(wxVERTICAL);
     whole->Add(view.Panel(), 1, wxEXPAND);
     window->SetSizer(whole);
+    // Wide enough for paths, and no higher than its content.
+    window->SetClientSize(ScaledSize(*window, wxSize(kDialogWidth, 0)));
   }
   view.Panel()->Show();
   window->SetMinClientSize(view.LeastSize());
