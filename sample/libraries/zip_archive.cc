@@ -2,6 +2,7 @@
 
 #include <zip.h>
 
+#include <ctime>
 #include <memory>
 #include <span>
 #include <vector>
@@ -24,6 +25,16 @@ struct Member {
   zip_uint64_t index;
   cabinet::CabinetEntry entry;
 };
+
+/// The stamp that an archive gives a member: local time in steps of two seconds.
+cabinet::FileStamp StampOf(const zip_stat_t& about) {
+  cabinet::FileStamp stamp;
+  const std::tm* local = (about.valid & ZIP_STAT_MTIME) != 0 ? std::localtime(&about.mtime) : nullptr;
+  if (local == nullptr || local->tm_year < 80 || local->tm_year > 207) return stamp;
+  stamp.date = static_cast<uint16_t>((local->tm_year - 80) << 9 | (local->tm_mon + 1) << 5 | local->tm_mday);
+  stamp.time = static_cast<uint16_t>(local->tm_hour << 11 | local->tm_min << 5 | local->tm_sec / 2);
+  return stamp;
+}
 
 Result<std::vector<Member>> Members(zip_t* archive, const std::string& path) {
   std::vector<Member> members;
@@ -50,6 +61,7 @@ Result<std::vector<Member>> Members(zip_t* archive, const std::string& path) {
     Member member{index, {}};
     member.entry.name = name;
     member.entry.size = static_cast<uint32_t>(about.size);
+    member.entry.stamp = StampOf(about);
     members.push_back(std::move(member));
   }
   return members;
