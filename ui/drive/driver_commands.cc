@@ -106,7 +106,9 @@ void Driver::Type(const std::string& text) {
 }
 
 void Driver::Pick(const std::string& text) {
-  const auto [name, wanted] = FirstWord(text);
+  const auto words = FirstWord(text);
+  const auto& name = words.first;
+  const auto& wanted = words.second;
   Control* control = UsableControl(name);
   if (!control) return;
   const auto pick = [&, entry = PlainText(wanted)](auto& list, const std::vector<std::string>& entries,
