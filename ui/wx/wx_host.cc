@@ -158,7 +158,9 @@ void WxHost::ShowDialog(Form& form) {
     whole->Add(view.Panel(), 1, wxEXPAND);
     window->SetSizer(whole);
     // Wide enough for paths, and no higher than its content.
-    window->SetClientSize(ScaledSize(*window, wxSize(kDialogWidth, 0)));
+    wxSize first = ScaledSize(*window, wxSize(kDialogWidth, 0));
+    first.IncTo(view.LeastSize());
+    window->SetClientSize(first);
   }
   view.Panel()->Show();
   window->SetMinClientSize(view.LeastSize());
