@@ -140,13 +140,13 @@ bool frmBeaconryServer::ReadNestedPackage() {
       return false;
     case Opened::kNoDatabase:
       services_.dialogs->Message(
-          "The Beaconry Server installation file " + run_.BeaconryWorkingMsiPath +
+          "The Beaconry Server installation file " + run_.BeaconrySourceMsiPath +
           " could not be opened.  You may configure Beaconry Server installation options on the "
           "Beaconry Installation page.");
       return false;
     case Opened::kOtherProduct:
       services_.dialogs->Message(
-          run_.BeaconryWorkingMsiPath +
+          run_.BeaconrySourceMsiPath +
           " does not appear to be a valid Beaconry Server installation file.  You may configure "
           "Beaconry Server installation options on the Beaconry Installation page.");
       return false;
@@ -259,12 +259,12 @@ bool frmBeaconryServer::TakeNestedPackage() {
                                ".  Please check the provided source folder and verify the file exists.");
   } else if (*opened == Opened::kNoDatabase) {
     services_.dialogs->Message(
-        "The Beaconry Server installation file " + run_.BeaconryWorkingMsiPath +
+        "The Beaconry Server installation file " + run_.BeaconrySourceMsiPath +
         " could not be opened.  Please verify that you have provided a valid installation "
         "file.");
   } else {
     services_.dialogs->Message(
-        run_.BeaconryWorkingMsiPath +
+        run_.BeaconrySourceMsiPath +
         " does not appear to be a valid Beaconry Server installation file.  Please verify that "
         "you have provided a valid installation file.");
   }
