@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "base/path.h"
+#include "payloads/frm_dats_and_engine.h"
 #include "shell/frm_finish.h"
 #include "shell/frm_review_configuration.h"
 #include "shell/open_package_test_support.h"
@@ -27,8 +28,10 @@ std::string PathBehind(const std::string& command, const std::string& option) {
 }
 
 /// A package opened from "C:\Source", with stand-ins for the tools that a build starts.
+/// `with_payloads`: with everything that can ride along, in the console's own hands.
 struct WholeBuild : testing::SourcePageFixture {
-  WholeBuild() {
+  explicit WholeBuild(bool with_payloads = false) {
+    if (with_payloads) CarryCompanions();
     machine.processes.On("regedit /s /e", [this](const FakeCommand& command) {
       machine.files.AddFile(PathBehind(command.command_line, "/e \""), "REGEDIT4");
     });
@@ -40,12 +43,56 @@ struct WholeBuild : testing::SourcePageFixture {
     page().Optimize.SetChecked(false);
     Next();
     EXPECT_TRUE(Opened());
+    if (with_payloads) ChooseArchive();
     table.GoToPage("Finish");
     Take();
     source = Contents("C:\\Source");
     machine.files.log.clear();
     // Whoever is asked gives up.
     machine.dialogs.answers.assign(200, Answer::kCancel);
+  }
+  /// A source with the alert server, the firewall, a patch and definition files, and templates for all.
+  void CarryCompanions() {
+    testing::PackageWriter nested(machine);
+    nested.properties = {{"UpgradeCode", "{71014215-9627-11D4-B865-00508B022A51}"}, {"txlocaleid", "0407"}};
+    nested.WriteDatabase("C:\\Source\\BCN\\BCN470.msi");
+    machine.files.AddFile("C:\\Source\\BCN\\BCN470.OVP", "plug-in");
+    machine.files.AddFile("C:\\Source\\BWK\\Bulwark.EXE", "installer");
+    machine.files.AddFile("C:\\Source\\FIX1.MSP", "patch");
+    for (const char* row : {"DATDATE", "DATVERSION", "ENGINEVERSION"}) package.properties[row] = "1";
+    package.WritePackage("C:\\Source");
+    machine.files.AddFile("C:\\Source\\Setup.ini",
+                          "[Startup]\r\nPatchFile0=FIX1.MSP\r\nszBeaconryLocation=\\BCN\r\n");
+    for (const char* folder : {"KTE\\710", "BCN", "BWK"}) {
+      const std::string path = "C:\\Kitwright\\" + std::string(folder) + "\\";
+      machine.files.AddFile(path + "PkgCatalog.XML",
+                            "<PkgCatalog><ProductPackage><LangPackage/></ProductPackage></PkgCatalog>");
+      for (const char* name :
+           {"Install.pkg", "KT710Det.TxS", "BC470Det.TxS", "BulwarkDet.TxS", "BULWARK80.OVP"})
+        machine.files.AddFile(path + name, name);
+    }
+    machine.processes.On("\"C:\\Kitwright\\StcSign.exe\"", [this](const FakeCommand& command) {
+      machine.files.AddFile(ParentOf(PathBehind(command.command_line, "\" \"")) + "\\PkgCatalog.z", "signed");
+    });
+    machine.libraries.On("BWKExtractInstallerFilesA", [this](const std::vector<std::string>& arguments) {
+      machine.files.AddFile(arguments[1] + "\\MDF.INI", "[General]\r\nSTC=1\r\n");
+    });
+    machine.libraries.On("TxUnzip", [this](const std::vector<std::string>& arguments) {
+      for (const char* name : {"REPAIR.DAT", "LABELS.DAT", "SIGS.DAT"})
+        machine.files.AddFile(arguments[1] + "\\" + name, "new");
+      machine.files.AddFile(arguments[1] + "\\PKGINFO.INI", "[Dat]\r\nVersion=4160\r\nDate=12/31/2001\r\n");
+    });
+    machine.files.AddFile("C:\\Payloads\\dat.zip", "archive");
+  }
+  void ChooseArchive() {
+    for (const char* name : {"TXENG32.DLL", "TEXTS.DAT", "ENGINE.DAT", "SIGTERMS.TXT"})
+      machine.files.AddFile(run.TempFolder + "\\MSIDATsAndEngine\\" + name, "old");
+    table.GoToPage("DAT and Engine Files");
+    auto& archives = table.Get<frmDATsAndEngine>();
+    archives.SeparateZIPs.UserClick();
+    archives.SpecifyDATZIP.UserClick();
+    archives.DATPath.UserType("C:\\Payloads\\dat.zip");
+    archives.Next->UserClick();
   }
   std::vector<std::string> Save() {
     table.Get<frmReviewConfiguration>().Save->UserClick();
@@ -75,25 +122,38 @@ TEST(WholeBuildTest, ABuildWithoutAChoiceSucceeds) {
   EXPECT_EQ(build.Contents("C:\\Source"), build.source);
 }
 
+TEST(WholeBuildTest, ABuildWithEverythingThatCanRideAlongSucceeds) {
+  WholeBuild build(true);
+  build.Save();
+  EXPECT_TRUE(build.run.Succeeded);
+  for (const char* name :
+       {"Kte710.msi", "FIX1.MSP", "SIGTERMS.TXT", "PkgCatalog.z", "Install.pkg", "BCN\\BCN470.msi",
+        "BCN\\PkgCatalog.z", "BWK\\Bulwark.EXE", "BWK\\Install.pkg", "BWK\\PkgCatalog.z"})
+    EXPECT_THAT(build.machine.files.Tree("C:\\Out"), Contains(name));
+  EXPECT_THAT(build.TempFiles(), IsEmpty());
+  EXPECT_EQ(build.Contents("C:\\Source"), build.source);
+}
+
 struct Fault {
   FileOperation operation;
   const char* verb;  ///< of the log line, to count how often it comes in a good build; "" when none is kept
+  bool with_payloads = false;
 };
 void PrintTo(const Fault& fault, std::ostream* out) {
-  *out << "operation " << static_cast<int>(fault.operation);
+  *out << "operation " << static_cast<int>(fault.operation) << (fault.with_payloads ? " with payloads" : "");
 }
 
 class BuildFaults : public ::testing::TestWithParam<Fault> {};
 
 TEST_P(BuildFaults, AFailedFileOperationFailsTheBuildCleanlyOrIsNoFailureOfIt) {
-  WholeBuild good;
+  WholeBuild good(GetParam().with_payloads);
   good.Save();
-  const int operations = *GetParam().verb ? good.Logged(GetParam().verb) : 30;
+  const int operations = *GetParam().verb ? good.Logged(GetParam().verb) : GetParam().with_payloads ? 60 : 30;
   ASSERT_GT(operations, 0);
   int failed = 0;
   for (int nth = 1; nth <= operations; ++nth) {
     SCOPED_TRACE(nth);
-    WholeBuild build;
+    WholeBuild build(GetParam().with_payloads);
     build.machine.files.FailNth(GetParam().operation, "", nth, kErrorDiskFull);
     build.Save();
     EXPECT_TRUE(build.finish().Visible());
@@ -121,6 +181,17 @@ INSTANTIATE_TEST_SUITE_P(
                       Fault{FileOperation::kSetReadOnly, ""}, Fault{FileOperation::kList, ""},
                       Fault{FileOperation::kOpen, ""}, Fault{FileOperation::kReadFile, ""},
                       Fault{FileOperation::kGetFile, ""}, Fault{FileOperation::kCreateFolder, ""}));
+
+INSTANTIATE_TEST_SUITE_P(EveryOperationWithPayloads, BuildFaults,
+                         ::testing::Values(Fault{FileOperation::kCopyFile, "copy ", true},
+                                           Fault{FileOperation::kWriteFile, "write ", true},
+                                           Fault{FileOperation::kSetReadOnly, "", true},
+                                           Fault{FileOperation::kList, "", true},
+                                           Fault{FileOperation::kReadFile, "", true},
+                                           Fault{FileOperation::kGetFile, "", true},
+                                           Fault{FileOperation::kCreateFolder, "", true},
+                                           Fault{FileOperation::kDeleteFile, "", true},
+                                           Fault{FileOperation::kSetCurrentFolder, "", true}));
 
 TEST(WholeBuildTest, ATempFolderThatCannotBeRemovedIsToldAndTheBuildStands) {
   WholeBuild build;
