@@ -55,27 +55,43 @@ class CabinetFolderTest : public ::testing::Test {
     std::filesystem::remove_all(folder_);
     std::filesystem::create_directories(folder_);
   }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
+  void TearDown() override {
+    // Windows deletes no read-only file.
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_)) {
+      if (!entry.is_regular_file() || entry.is_symlink()) continue;
+      std::filesystem::permissions(entry.path(), std::filesystem::perms::owner_write,
+                                   std::filesystem::perm_options::add);
+    }
+    std::filesystem::remove_all(folder_);
+  }
 
-  std::string Host(const std::string& name) const { return (folder_ / name).string(); }
+  /// Where a file of the folder lies; `name` is UTF-8, which a path of narrow text is not on every system.
+  std::filesystem::path Path(const std::string& name) const {
+    return folder_ / std::filesystem::path(std::u8string(name.begin(), name.end()));
+  }
+
+  std::string Host(const std::string& name) const {
+    const std::u8string path = Path(name).u8string();
+    return {path.begin(), path.end()};
+  }
 
   std::string Make(const std::string& name, std::string_view content) const {
-    std::filesystem::create_directories((folder_ / name).parent_path());
-    std::ofstream(folder_ / name, std::ios::binary) << content;
+    std::filesystem::create_directories(Path(name).parent_path());
+    std::ofstream(Path(name), std::ios::binary) << content;
     return Host(name);
   }
 
   std::string Content(const std::string& name) const {
-    std::ifstream file(folder_ / name, std::ios::binary);
+    std::ifstream file(Path(name), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
   bool There(const std::string& name) const {
-    return std::filesystem::exists(std::filesystem::symlink_status(folder_ / name));
+    return std::filesystem::exists(std::filesystem::symlink_status(Path(name)));
   }
 
   size_t FilesIn(const std::string& name) const {
-    const std::filesystem::directory_iterator begin(folder_ / name);
+    const std::filesystem::directory_iterator begin(Path(name));
     return static_cast<size_t>(std::distance(begin, std::filesystem::directory_iterator()));
   }
 

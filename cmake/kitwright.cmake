@@ -26,7 +26,8 @@ if(WIN32)
   # One file a program, that needs nothing beside the system's own libraries; the calls' 16-bit forms.
   set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
   add_link_options(-static)
-  add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00)
+  # The offsets of files are 64 bits wide, as in the libraries that were built beside it.
+  add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00 _FILE_OFFSET_BITS=64)
 endif()
 if(KITWRIGHT_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -75,7 +75,7 @@ TEST_F(AdditionalFilesTest, AnAddedFileIsOneFileInOneComponentOfTheConsole) {
   EXPECT_THAT(Choices<frmAdditionalFiles>(), ElementsAre("\tNone", ""));
   Add("C:\\Files\\notes.txt", "Windows");
   const std::string key = Key(1);
-  EXPECT_THAT(key, ::testing::MatchesRegex("_id_[0-9]+_notes.txt"));
+  EXPECT_THAT(key, ::testing::MatchesRegex("_id_\\w+_notes.txt"));
   EXPECT_THAT(GridRows(), ElementsAre("C:\\Files\\notes.txt|Windows|", "||"));
   EXPECT_THAT(
       Rows("select `File`, `Component_`, `FileName`, `FileSize`, `Attributes`, `Sequence` from `File` where "
@@ -85,7 +85,7 @@ TEST_F(AdditionalFilesTest, AnAddedFileIsOneFileInOneComponentOfTheConsole) {
   EXPECT_THAT(Rows("select `Directory_`, `Attributes` from `Component` where `Component` = ?", {key}),
               ElementsAre("WindowsFolder|0"));
   EXPECT_THAT(Rows("select `ComponentId` from `Component` where `Component` = ?", {key}).at(0),
-              ::testing::MatchesRegex("\\{[0-9A-F]+-[0-9A-F]+-[0-9A-F]+-[0-9A-F]+-[0-9A-F]+\\}"));
+              ::testing::MatchesRegex("\\{\\w+-\\w+-\\w+-\\w+-\\w+\\}"));
   EXPECT_THAT(Rows("select `Feature_` from `FeatureComponents` where `Component_` = ?", {key}),
               ElementsAre("Console"));
   EXPECT_EQ(page().LastSequence, 3);

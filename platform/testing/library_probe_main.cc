@@ -2,6 +2,10 @@
 // function and arguments as a line into the file that PROBE_CALL names (a Windows path). It gives
 // PROBE_RESULT, and raises the error PROBE_RAISE when that is not 0.
 
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
 #include <cstdlib>
 #include <string>
 
@@ -48,7 +52,11 @@ int REG_SHDeleteEmptyKeyEx(uintptr_t root, const char16_t* subkey) {
 }
 int REG_SHCopyKey(uintptr_t root, const char16_t* subkey, const void* open_destination_key, int zero) {
   std::string target;
-#ifndef _WIN32
+#ifdef _WIN32
+  const HKEY key = static_cast<HKEY>(const_cast<void*>(open_destination_key));
+  const bool open = RegSetValueExW(key, L"probe", 0, REG_NONE, nullptr, 0) == ERROR_SUCCESS;
+  target = open ? " to an open key" : " to no key";
+#else
   const auto* key = static_cast<const KitwrightOpenKey*>(open_destination_key);
   target = " to " + Root(key->root) + " " + Wide(key->path);
 #endif

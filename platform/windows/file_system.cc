@@ -76,12 +76,19 @@ int WriteNumber(const Spot& spot) {
   return spot.IsFolder() || spot.ReadOnly() ? static_cast<int>(kErrorAccessDenied) : 0;
 }
 
+// Opens the file at the spot for reading and keeps writers out. A file that somebody writes already, as the
+// package engine does, is read beside the writer, unless that one wants to be alone.
 int OpenForReading(const Spot& spot, OwnedHandle& file) {
   if (!spot.exists) return MissingNumber(spot);
   if (spot.IsFolder()) return kErrorAccessDenied;
-  file = OwnedHandle(CreateFileW(spot.call.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                 FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-  return file.valid() ? 0 : LastNumber();
+  int number = 0;
+  for (const DWORD share : {FILE_SHARE_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE}) {
+    file = OwnedHandle(CreateFileW(spot.call.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
+                                   FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    number = file.valid() ? 0 : LastNumber();
+    if (number != kErrorSharingViolation) break;
+  }
+  return number;
 }
 
 int OpenExclusively(const Spot& spot, DWORD creation, OwnedHandle& file) {
@@ -238,7 +245,10 @@ Status WindowsFileSystem::CopyFile(const std::string& from, const std::string& t
   Replacement copy(target);
   if (const int number = copy.Create()) return failure(number);
   copy.Close();
-  if (!CopyFileW(source.call.c_str(), copy.path().c_str(), FALSE)) return failure(LastNumber());
+  if (!CopyFileW(source.call.c_str(), copy.path().c_str(), FALSE) ||
+      !SetFileAttributesW(copy.path().c_str(), source.attributes)) {
+    return failure(LastNumber());
+  }
   if (const int number = copy.TakePlace()) return failure(number);
   return {};
 }

@@ -5,7 +5,8 @@
 // calls' 16-bit forms; the names that interfaces of the project bear are taken back, and the forms are named
 // in full.
 
-// clang-format off: the first of the two is what the second stands on.
+// The second stands on the first.
+// clang-format off
 #include <windows.h>
 #include <msi.h>
 // clang-format on

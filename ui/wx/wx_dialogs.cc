@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/wx/system_help.h"
 #include "ui/wx/wx_host.h"
 #include "ui/wx/wx_text.h"
 
@@ -106,6 +107,7 @@ std::string WxDialogs::BrowseForFolder(const std::string& title, const std::stri
 
 Status WxDialogs::ShowHelp(const std::string& help_file, int context_id) {
   wxFileName book(ToWx(paths_.to_host(help_file)));
+  if (book.FileExists() && ShowInSystemViewer(host_.BoxParent(), book.GetFullPath(), context_id)) return {};
   book.SetExt("htb");
   if (!book.FileExists()) {
     return {kErrorFileNotFound, "The help book " + FromWx(book.GetFullName()) + " was not found."};

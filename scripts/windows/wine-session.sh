@@ -1,0 +1,54 @@
+# To be sourced: a Windows machine of its own under Wine, for the life of the script that asks for it.
+#
+#   start_wine       makes a fresh prefix and a virtual display, and keeps one server for all programs
+#   run_wine SECONDS PROGRAM [ARGUMENT...]
+#   stop_wine        ends all of them; called at the script's end in any case
+#
+# The prefix and everything else of a run lies in $wine_home.
+
+# Root is above folder protection and the read-only attribute, so nothing would be judged for them: run as root, all of
+# this runs as another user, for whom what is tested must be readable.
+
+wine_home=$(mktemp -d "${TMPDIR:-/tmp}/kitwright-wine.XXXXXX")
+wine_display=
+export WINEPREFIX=$wine_home/prefix WINEDEBUG=-all WINEARCH=win64
+# No browser engine and no menu entries are wanted.
+export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
+as_user=()
+if [[ $(id -u) -eq 0 ]]; then
+  readonly nobody=65534
+  as_user=(setpriv --reuid="$nobody" --regid="$nobody" --clear-groups env HOME="$wine_home/home" USER=nobody)
+  chmod 755 "$wine_home"
+fi
+
+stop_wine() {
+  "${as_user[@]}" wineserver -k 2>/dev/null || true
+  if [[ -n $wine_display ]]; then kill "$wine_display" 2>/dev/null || true; fi
+  chmod -R u+w "$wine_home" 2>/dev/null || true
+  rm -rf "$wine_home"
+}
+trap stop_wine EXIT
+
+# Makes files and folders belong to the user that programs run as.
+give_to_user() {
+  if [[ ${#as_user[@]} -gt 0 ]]; then chown -R "$nobody:$nobody" "$@"; fi
+}
+
+start_wine() {
+  # An attempt to open a window without a display would spoil the server for all that come after.
+  mkdir -p "$WINEPREFIX" "$wine_home/home"
+  give_to_user "$WINEPREFIX" "$wine_home/home"
+  mkfifo "$wine_home/display"
+  Xvfb -displayfd 3 -ac -screen 0 1280x1024x24 -nolisten tcp 3> "$wine_home/display" > "$wine_home/xvfb.txt" 2>&1 &
+  wine_display=$!
+  DISPLAY=:$(head -n 1 "$wine_home/display")
+  export DISPLAY
+  "${as_user[@]}" wineserver -p
+  "${as_user[@]}" timeout 120 wine wineboot -i > "$wine_home/boot.txt" 2>&1
+}
+
+run_wine() {
+  local seconds=$1
+  shift
+  "${as_user[@]}" timeout --kill-after=5 "$seconds" wine "$@"
+}

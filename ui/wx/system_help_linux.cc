@@ -1,0 +1,7 @@
+#include "ui/wx/system_help.h"
+
+namespace kw::ui {
+
+bool ShowInSystemViewer(wxWindow*, const wxString&, int) { return false; }
+
+}  // namespace kw::ui
