@@ -46,6 +46,7 @@ packages=(
   cabextract
   libmsi-dev
   msitools
+  unzip
   wine
   wine64
 )
