@@ -172,13 +172,29 @@ Result<std::vector<frmPrograms::Program>> frmPrograms::PreparePrograms() {
     const std::string tail = std::to_string(row) + "_" + FileNameOf(path);
     Program program{row, kBinaryPrefix + tail, kActionPrefix + tail, run_.Installer->CreateRecord(1),
                     nullptr};
+    KW_RETURN_IF_ERROR(services_.files->Open(path, platform::OpenHow::kReadExisting).status());
     KW_RETURN_IF_ERROR(program.stream->SetStream(1, path));
     KW_ASSIGN_OR_RETURN(program.insert_binary,
                         run_.WorkingDatabase->OpenView("insert into `Binary` (`Data`, `Name`) values (?, '" +
                                                        program.binary + "')"));
+    KW_RETURN_IF_ERROR(TryRows(row, FileNameOf(path)));
     programs.push_back(std::move(program));
   }
   return programs;
+}
+
+// Rows for a program as they will be, but with the number 0, taken back at once: a name that is too long for
+// the package, or text that it cannot hold.
+Status frmPrograms::TryRows(int row, const std::string& file) {
+  const std::string tail = std::string(std::to_string(row).size(), '0') + "_" + file;
+  const std::string probe = JoinPath(run_.TempFolder, "probe");
+  KW_RETURN_IF_ERROR(services_.files->WriteFile(probe, "probe"));
+  KW_RETURN_IF_ERROR(db_.ReplaceBinary(kBinaryPrefix + tail, probe));
+  KW_RETURN_IF_ERROR(db_.RunSql("delete from `Binary` where `Name` = ?", {kBinaryPrefix + tail}));
+  KW_RETURN_IF_ERROR(db_.RunSql(
+      "insert into `CustomAction` (`Action`, `Type`, `Source`, `Target`) values (?, ?, ?, ?)",
+      {kActionPrefix + tail, kProgramActionType, kBinaryPrefix + tail, Grid.Cell(row, kArguments)}));
+  return db_.RunSql("delete from `CustomAction` where `Action` = ?", {kActionPrefix + tail});
 }
 
 Status frmPrograms::DeleteOldRows() {

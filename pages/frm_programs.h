@@ -52,6 +52,7 @@ class frmPrograms : public WizardPage {
     std::unique_ptr<platform::View> insert_binary;
   };
   Result<std::vector<Program>> PreparePrograms();
+  Status TryRows(int row, const std::string& file);
   Status DeleteOldRows();
   Status WriteProgram(const Program& program, int finalize_sequence);
   bool HasFile(int row) const;

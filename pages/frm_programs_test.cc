@@ -277,6 +277,43 @@ TEST_F(ProgramsTest, AProgramWhoseNameBreaksTheStatementLosesNothing) {
   EXPECT_EQ(Take().size(), 1u);
 }
 
+TEST_F(ProgramsTest, WhatThePackageCannotHoldLosesNothing) {
+  const std::string long_name = "C:\\Tools\\" + std::string(60, 'x') + ".exe";
+  machine.files.AddFile(long_name, "x");
+  machine.files.AddFile("C:\\Tools\\\xE6\x97\xA5.exe", "x");
+  AddPackageProgram(1, "one.exe", "one");
+  Open();
+  struct {
+    std::string path, arguments;
+  } const cases[] = {
+      {long_name, ""}, {"C:\\Tools\\\xE6\x97\xA5.exe", ""}, {"C:\\Tools\\first.exe", "\xE6\x97\xA5"}};
+  for (const auto& bad : cases) {
+    Add(bad.path, bad.arguments);
+    Take();
+    page().Next->UserClick();
+    EXPECT_TRUE(page().Visible());
+    EXPECT_EQ(Take().size(), 1u) << bad.path;
+    EXPECT_THAT(OwnBinaries(), ElementsAre("id_RunFileBin_1_one.exe"));
+    EXPECT_THAT(Rows("select `Action` from `CustomAction`"), ElementsAre("id_RunFileCust_1_one.exe"));
+    machine.dialogs.answers = {Answer::kOk};
+    page().DeleteButton.UserClick();
+  }
+  page().Next->UserClick();
+  EXPECT_FALSE(page().Visible());
+}
+
+TEST_F(ProgramsTest, AProgramThatCannotBeReadLosesNothing) {
+  AddPackageProgram(1, "one.exe", "one");
+  Open();
+  Add("C:\\Tools\\first.exe");
+  machine.files.FailAlways(FileOperation::kOpen, "C:\\Tools\\first.exe", kErrorAccessDenied);
+  Take();
+  page().Next->UserClick();
+  EXPECT_TRUE(page().Visible());
+  EXPECT_EQ(Take().size(), 1u);
+  EXPECT_THAT(OwnBinaries(), ElementsAre("id_RunFileBin_1_one.exe"));
+}
+
 TEST_F(ProgramsTest, BrowseOffersPrograms) {
   Open();
   host.modals.push_back([this](ui::Form& form) {
