@@ -96,6 +96,11 @@ std::string frmAdditionalFile::TakeFirstPathPart(std::string& path) {
   return part;
 }
 
+bool frmAdditionalFile::OnQueryUnload() {
+  ClearFields();
+  return true;
+}
+
 void frmAdditionalFile::ClearFields() {
   SourceFile.SetText("");
   DestinationFolder.Select(-1);

@@ -38,6 +38,9 @@ class frmAdditionalFile : public WizardDialog {
 
   ui::Layout ContentLayout() override;
 
+ protected:
+  bool OnQueryUnload() override;
+
  private:
   struct File {
     std::string name;

@@ -115,12 +115,20 @@ void frmAddTask::Configure() {
   // An empty or missing key means not configured, so that the tool loads the live settings.
   const bool already_configured = !context_.run.SettingsFromSystem || !DeleteEmptyKey(services, Key());
   const std::string name = TaskName.Text();
+  const std::string identifier = identifier_;
+  abandoned_.clear();
+  const bool is_new = IsNewTask;
   const int result = RunProductTool(context_, *this, &Parent().TreeView1,
                                     ToolCommand(kind_, identifier_, name), already_configured);
   const bool changed = TakeChangeFlag(services, FactsOf(kind_).flag);
   if (result != 0) {
     services.dialogs->Message(std::string("Configuring ") + FactsOf(kind_).word + " task '" + name +
                               "' failed. Please make sure that Kestrane Enterprise is installed properly.");
+  }
+  if (abandoned_ == identifier) {
+    // The dialog was abandoned before the tool had saved.
+    ForgetChanges(identifier, is_new);
+    return;
   }
   if (IsNewTask) {
     OK.SetEnabled(changed);
@@ -159,18 +167,24 @@ bool frmAddTask::OnQueryUnload() {
 }
 
 void frmAddTask::AbandonTask() {
-  platform::Services& services = context_.services;
   Hide();
-  if (IsNewTask) {
-    DeleteBranch(services, platform::Hive::kCurrentUser,
-                 std::string(kStagingVersionKey) + "\\Tasks\\" + identifier_);
-  } else if (!context_.run.SettingsFromSystem) {
-    RunAndWait(services, context_.run, context_.host,
-               "regedit /s \"" + context_.run.TempFolder + "\\" + identifier_ + ".reg\"",
-               platform::WindowStyle::kHidden);
-  }
+  abandoned_ = identifier_;
+  ForgetChanges(identifier_, IsNewTask);
   TaskName.SetText("");
   Parent().AdjustControls();
+}
+
+// Takes back what the tool saved for a task.
+void frmAddTask::ForgetChanges(const std::string& identifier, bool is_new) {
+  platform::Services& services = context_.services;
+  if (is_new) {
+    DeleteBranch(services, platform::Hive::kCurrentUser,
+                 std::string(kStagingVersionKey) + "\\Tasks\\" + identifier);
+  } else if (!context_.run.SettingsFromSystem) {
+    RunAndWait(services, context_.run, context_.host,
+               "regedit /s \"" + context_.run.TempFolder + "\\" + identifier + ".reg\"",
+               platform::WindowStyle::kHidden);
+  }
 }
 
 }  // namespace kw

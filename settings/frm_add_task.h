@@ -37,8 +37,10 @@ class frmAddTask : public WizardDialog {
   void Configure();
   void OnOk();
   void AbandonTask();
+  void ForgetChanges(const std::string& identifier, bool is_new);
 
   std::string identifier_;
+  std::string abandoned_;  ///< the task whose dialog was closed without OK
   bool IsNewTask = false;
   TaskKind kind_ = TaskKind::kScan;
   bool InSettingsTool = false;

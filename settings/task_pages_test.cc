@@ -167,6 +167,31 @@ TEST_F(TaskPagesTest, CancellingANewTaskRemovesItsKey) {
   EXPECT_FALSE(run.changes.ConfigChangedUpdate);
 }
 
+TEST_F(TaskPagesTest, ATaskAbandonedWhileTheToolRunsLeavesNothing) {
+  Scans().ReadConfig();
+  Show<frmScheduledScan>();
+  frmAddTask* dialog = nullptr;
+  machine.processes.On("OdsCfg32", [&](const FakeCommand& command) {
+    dialog->Cancel.UserClick();
+    // The person confirms the product's dialog box only now.
+    SetStagingDword("\\Kestrane Enterprise\\CurrentVersion\\Tasks\\" + command.command_line.substr(15, 38),
+                    "x", 1);
+    SetStagingDword("", "bOdsCfg32", 1);
+  });
+  host.modals.push_back([&](ui::Form& form) {
+    dialog = &dynamic_cast<frmAddTask&>(form);
+    dialog->ConfigureSettings.UserClick();
+  });
+  Scans().NewButton.UserClick();
+  EXPECT_FALSE(dialog->Visible());
+  EXPECT_THAT(Rows(Scans().Grid), ElementsAre("Default Task|No||DefaultTask", "|||"));
+  EXPECT_THAT(
+      machine.registry.Dump(Hive::kCurrentUser, Staging("\\Kestrane Enterprise\\CurrentVersion\\Tasks"))
+          .size(),
+      ::testing::Le(1u));
+  EXPECT_EQ(machine.registry.Get(Hive::kCurrentUser, Staging(""), "bOdsCfg32").type, platform::kRegNone);
+}
+
 TEST_F(TaskPagesTest, TheDefaultTaskKeepsItsNameWhileTheStagingKeyHoldsNewScan) {
   run.SettingsFromSystem = false;
   SetStagingDword("\\Kestrane Enterprise\\CurrentVersion\\DefaultTask", "x", 1);
