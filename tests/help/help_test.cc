@@ -16,6 +16,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "settings/frm_add_task.h"
 #include "shell/shell_test_support.h"
@@ -43,6 +44,9 @@ std::string ReadAll(const fs::path& path) {
 /// What the Help buttons of all forms open, in every state that has a topic of its own.
 Topics UsedTopics() {
   testing::ShellFixture wizard;
+  // Pages are made when program entry has made these.
+  wizard.run.Installer = std::move(*wizard.machine.services.create_installer());
+  wizard.run.InstallerSecond = std::move(*wizard.machine.services.create_installer());
   Topics topics;
   const auto press_help = [&](ui::Form& form) {
     ui::Control* help = form.FindControl("Help");
