@@ -5,6 +5,7 @@
 #include "base/storage.h"
 #include "sample/archive/repacker.h"
 #include "sample/settings/answers.h"
+#include "sample/settings/this_machine.h"
 #include "tools/program.h"
 
 int main(int argc, char** argv) {
@@ -13,8 +14,7 @@ int main(int argc, char** argv) {
     return kw::tools::EndProgram("FEADZED",
                                  kw::Result<std::string>(kw::kErrorFunctionFailed, "Asked to fail."));
   }
-  std::error_code error;
-  const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+  const std::filesystem::path self = kw::sample::OwnProgram();
   const kw::Status status =
       kw::sample::RunOptimizer(kw::SystemStorage(), start.paths, start.arguments,
                                (self.parent_path() / "Repacker.stub").string(), start.code_page);

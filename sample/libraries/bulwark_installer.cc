@@ -1,7 +1,7 @@
 #include "sample/libraries/bulwark_installer.h"
 
-#include <cstdlib>
 #include <filesystem>
+#include <random>
 
 #include "formats/ini_file.h"
 #include "sample/archive/appended_cabinet.h"
@@ -13,8 +13,12 @@ namespace {
 class ScratchFolder {
  public:
   ScratchFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "bulwark-XXXXXX").string();
-    if (mkdtemp(pattern.data()) != nullptr) path_ = pattern;
+    std::random_device numbers;
+    std::error_code error;
+    for (int i = 0; i < 100 && path_.empty(); ++i) {
+      const auto path = std::filesystem::temp_directory_path() / ("bulwark-" + std::to_string(numbers()));
+      if (std::filesystem::create_directory(path, error)) path_ = path.string();
+    }
   }
   ~ScratchFolder() {
     std::error_code ignored;

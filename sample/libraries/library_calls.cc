@@ -3,6 +3,7 @@
 #include "base/machine_config.h"
 #include "base/text.h"
 #include "platform/shared/library_abi.h"
+#include "sample/settings/this_machine.h"
 
 namespace kw::sample {
 namespace {
@@ -13,8 +14,8 @@ int g_raised = 0;
 
 CallContext::CallContext() : code_page(MachineCodePage(paths.root())) {}
 
-platform::embedded::EmbeddedRegistry CallContext::Registry() const {
-  return platform::embedded::EmbeddedRegistry(paths.root(), code_page);
+std::unique_ptr<platform::Registry> CallContext::Registry() const {
+  return OpenMachineRegistry(paths, code_page);
 }
 
 std::string CallContext::Wide(const char16_t* text) { return text != nullptr ? Utf16ToUtf8(text) : ""; }

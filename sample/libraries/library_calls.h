@@ -1,11 +1,12 @@
 #ifndef KITWRIGHT_SAMPLE_LIBRARIES_LIBRARY_CALLS_H_
 #define KITWRIGHT_SAMPLE_LIBRARIES_LIBRARY_CALLS_H_
 
+#include <memory>
 #include <string>
 
 #include "base/machine_paths.h"
 #include "base/result.h"
-#include "platform/embedded/registry.h"
+#include "platform/registry.h"
 
 namespace kw::sample {
 
@@ -16,7 +17,7 @@ struct CallContext {
   int code_page;
   CallContext();
 
-  platform::embedded::EmbeddedRegistry Registry() const;
+  std::unique_ptr<platform::Registry> Registry() const;
   /// UTF-8 of the texts that libraries are given.
   static std::string Wide(const char16_t* text);
   std::string Narrow(const char* text) const;

@@ -18,9 +18,9 @@ int Emal_ConfigZED(void*, int, int mode, int flush) {
   command.from_live = mode == 2;
   command.flush = flush == 1;
   const kw::sample::CallContext call;
-  auto registry = call.Registry();
+  const auto registry = call.Registry();
   const auto outcome =
-      kw::sample::RunTool(command, registry, call.code_page, answer, kw::sample::ShowSettingsDialog);
+      kw::sample::RunTool(command, *registry, call.code_page, answer, kw::sample::ShowSettingsDialog);
   if (!outcome.ok()) {
     kw::sample::SetRaised(outcome.number());
     return 0;

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "base/path.h"
+#include "base/storage.h"
 #include "platform/shared/library_abi.h"
 #include "sample/libraries/library_calls.h"
 #include "sample/libraries/site_list.h"
@@ -15,8 +16,8 @@ using kw::sample::Answer;
 
 kw::Result<std::string> LiveListPath() {
   const kw::sample::CallContext call;
-  auto registry = call.Registry();
-  KW_ASSIGN_OR_RETURN(auto key, registry.OpenKey(kw::platform::Hive::kLocalMachine,
+  const auto registry = call.Registry();
+  KW_ASSIGN_OR_RETURN(auto key, registry->OpenKey(kw::platform::Hive::kLocalMachine,
                                                  "SOFTWARE\\Orvantic\\RDX\\Shared Components\\AgentCore",
                                                  kw::platform::kKeyQuery));
   KW_ASSIGN_OR_RETURN(const auto folder, key->QueryValue("Data Path", kw::platform::kAnyRegistrySize));

@@ -1,12 +1,12 @@
 // zedutil: the stand-in for the maker's library of registry, cipher and rights helpers.
 
-#include "base/machine_config.h"
 #include "platform/shared/library_abi.h"
 #include "sample/libraries/library_calls.h"
 #include "sample/libraries/settings_export.h"
 #include "sample/settings/answers.h"
 #include "sample/settings/cipher.h"
 #include "sample/settings/registry_trees.h"
+#include "sample/settings/this_machine.h"
 
 namespace {
 
@@ -21,24 +21,19 @@ bool HiveOf(uintptr_t root, Hive& hive) {
 int DeleteEmpty(uintptr_t root, const char16_t* subkey, bool subkeys) {
   Hive hive;
   if (!HiveOf(root, hive)) return 0;
-  auto registry = CallContext().Registry();
-  return kw::sample::DeleteEmptyKey(registry, hive, CallContext::Wide(subkey), subkeys) ? 1 : 0;
+  const auto registry = CallContext().Registry();
+  return kw::sample::DeleteEmptyKey(*registry, hive, CallContext::Wide(subkey), subkeys) ? 1 : 0;
 }
 
 }  // namespace
 
-int IsAdmin(void) {
-  const CallContext call;
-  const auto ini = kw::ReadWholeFile(kw::SystemStorage(), call.paths.root() + "/machine.ini");
-  // A machine that says nothing has a user with rights.
-  return ini.ok() && kw::IniValue(*ini, "machine", "admin") == "0" ? 0 : 1;
-}
+int IsAdmin(void) { return kw::sample::UserIsAdministrator(CallContext().paths) ? 1 : 0; }
 
 int REG_SHDeleteKey(uintptr_t root, const char16_t* subkey) {
   Hive hive;
   if (!HiveOf(root, hive)) return kw::kErrorInvalidHandle;
-  auto registry = CallContext().Registry();
-  return kw::sample::DeleteRegistryTree(registry, hive, CallContext::Wide(subkey)).number();
+  const auto registry = CallContext().Registry();
+  return kw::sample::DeleteRegistryTree(*registry, hive, CallContext::Wide(subkey)).number();
 }
 
 int REG_SHDeleteEmptyKey(uintptr_t root, const char16_t* subkey) { return DeleteEmpty(root, subkey, false); }
@@ -46,15 +41,10 @@ int REG_SHDeleteEmptyKey(uintptr_t root, const char16_t* subkey) { return Delete
 int REG_SHDeleteEmptyKeyEx(uintptr_t root, const char16_t* subkey) { return DeleteEmpty(root, subkey, true); }
 
 int REG_SHCopyKey(uintptr_t root, const char16_t* subkey, const void* open_destination_key, int) {
-  const auto* destination = static_cast<const KitwrightOpenKey*>(open_destination_key);
   Hive from;
-  Hive to;
-  if (destination == nullptr || !HiveOf(root, from) || !HiveOf(destination->root, to))
-    return kw::kErrorInvalidHandle;
-  auto registry = CallContext().Registry();
-  return kw::sample::CopyRegistryTree(registry, from, CallContext::Wide(subkey), to,
-                                      CallContext::Wide(destination->path))
-      .number();
+  if (!HiveOf(root, from)) return kw::kErrorInvalidHandle;
+  const auto registry = CallContext().Registry();
+  return kw::sample::CopyIntoOpenKey(*registry, from, CallContext::Wide(subkey), open_destination_key);
 }
 
 int ConvertRegFile(const char16_t* path, int) {

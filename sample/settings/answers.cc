@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/text.h"
+#include "sample/settings/this_machine.h"
 
 namespace kw::sample {
 namespace {
@@ -25,8 +26,7 @@ Answer AnswerNamed(std::string_view text, bool has_display) {
 }
 
 Answer AnswerOfThisProcess() {
-  const bool has_display = !Environment("DISPLAY").empty() || !Environment("WAYLAND_DISPLAY").empty();
-  return AnswerNamed(Environment("SAMPLE_TOOL_ANSWER"), has_display);
+  return AnswerNamed(Environment("SAMPLE_TOOL_ANSWER"), HasDisplay());
 }
 
 bool ListNames(std::string_view list, std::string_view stand_in) {

@@ -3,9 +3,9 @@
 
 #include <cstdio>
 
-#include "platform/embedded/registry.h"
 #include "sample/settings/dialog_library.h"
 #include "sample/settings/run_tool.h"
+#include "sample/settings/this_machine.h"
 #include "tools/program.h"
 
 namespace {
@@ -22,8 +22,8 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "%s\n", command.error().message.c_str());
     return kBadCommand;
   }
-  kw::platform::embedded::EmbeddedRegistry registry(start.paths.root(), start.code_page);
-  const auto outcome = kw::sample::RunTool(*command, registry, start.code_page,
+  const auto registry = kw::sample::OpenMachineRegistry(start.paths, start.code_page);
+  const auto outcome = kw::sample::RunTool(*command, *registry, start.code_page,
                                            kw::sample::AnswerOfThisProcess(), kw::sample::ShowSettingsDialog);
   if (!outcome.ok()) {
     std::fprintf(stderr, "%s: %s\n", argv[0], outcome.error().message.c_str());

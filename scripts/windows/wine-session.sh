@@ -50,5 +50,9 @@ start_wine() {
 run_wine() {
   local seconds=$1
   shift
-  "${as_user[@]}" timeout --kill-after=5 "$seconds" wine "$@"
+  # A folder that the user may not enter would be told about in every run.
+  (
+    if [[ $PWD != "$wine_home"* ]]; then cd "$wine_home"; fi
+    exec "${as_user[@]}" timeout --kill-after=5 "$seconds" wine "$@"
+  )
 }
