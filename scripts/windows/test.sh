@@ -52,4 +52,8 @@ for program in "${programs[@]}"; do
     status=1
   }
 done
+if [[ $# -eq 0 ]]; then
+  echo "== script runs"
+  "$here/run-scripts.sh" || status=1
+fi
 exit "$status"
