@@ -1,11 +1,16 @@
+#include <wx/ctrlsub.h>
+#include <wx/textentry.h>
+
 #include "ui/wx/accessibility.h"
 
 namespace kw::ui {
 
 // The system takes the name from the text that stands before a control; where there is a window text of its
-// own to set, as with trees and grids, that one counts.
+// own to set, as with trees and grids, that one counts. The window text of a field or a list is its content.
 void SetAccessibleName(wxWindow* window, const wxString& name) {
-  if (window->GetLabel().empty()) window->SetLabel(name);
+  const bool holds_content =
+      dynamic_cast<wxTextEntry*>(window) != nullptr || dynamic_cast<wxItemContainer*>(window) != nullptr;
+  if (!holds_content && window->GetLabel().empty()) window->SetLabel(name);
 }
 
 }  // namespace kw::ui

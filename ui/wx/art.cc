@@ -25,8 +25,10 @@ wxIconBundle ProgramIcons() {
 }
 
 wxBitmapBundle BlankBundle(wxSize size) {
+  // Not quite transparent: Windows takes a picture without any opacity for one that has none to tell, and
+  // paints it black.
   return wxBitmapBundle::FromSVG(
-      R"(<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16"><rect width="16" height="16" fill="none"/></svg>)",
+      R"(<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16"><rect width="16" height="16" fill="#fff" fill-opacity="0.01"/></svg>)",
       size);
 }
 
