@@ -624,6 +624,11 @@ TEST_F(DriverTest, RejectFailsOnALineSinceTheLastExpectAndTheRunGoesOn) {
   EXPECT_EQ(status, 1);
 }
 
+TEST_F(DriverTest, RejectPassesOverLinesThatWereThereAtTheLastExpect) {
+  Run("say a\nsay b\nexpect say a\nreject say b\nexpect say b\nsay b\nreject say b\n");
+  EXPECT_THAT(lines, ElementsAre("page frmOne", "say a", "say b", "say b", "FAIL line 7: rejected say b"));
+}
+
 TEST_F(DriverTest, FormThatNothingHasMadeYetCountsAsHidden) {
   Run("click frmLate.Next\nprint frmLate\n");
   EXPECT_THAT(lines, ElementsAre("page frmOne", "disabled frmLate.Next",

@@ -33,24 +33,25 @@ void ScriptRun::PrintFailure(const std::string& what) {
   PrintLine("FAIL line " + std::to_string(line_) + ": " + what);
 }
 
-size_t ScriptRun::BehindMatch(const std::string& line) const {
+size_t ScriptRun::BehindMatch(size_t begin, const std::string& line) const {
   const auto& lines = transcript_.Lines();
-  const auto begin = lines.begin() + static_cast<ptrdiff_t>(expected_);
-  const auto found = std::find(begin, lines.end(), TranscriptText(line));
+  const auto found =
+      std::find(lines.begin() + static_cast<ptrdiff_t>(begin), lines.end(), TranscriptText(line));
   return found == lines.end() ? 0 : static_cast<size_t>(found - lines.begin()) + 1;
 }
 
 void ScriptRun::Expect(const std::string& line) {
-  const size_t behind = BehindMatch(line);
+  const size_t behind = BehindMatch(expected_, line);
   if (behind == 0) {
     PrintFailure("expected " + TranscriptText(line));
     status_ = 1;
   }
-  expected_ = behind == 0 ? transcript_.Lines().size() : behind;
+  at_expect_ = transcript_.Lines().size();
+  expected_ = behind == 0 ? at_expect_ : behind;
 }
 
 void ScriptRun::Reject(const std::string& line) {
-  if (BehindMatch(line) == 0) return;
+  if (BehindMatch(at_expect_, line) == 0) return;
   PrintFailure("rejected " + TranscriptText(line));
   status_ = 1;
 }

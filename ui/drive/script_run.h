@@ -32,6 +32,7 @@ class ScriptRun {
   /// Whether a transcript line behind the one that the last Expect found equals `line`; without one, behind
   /// all that were there at the last Expect.
   void Expect(const std::string& line);
+  /// Whether no transcript line that was added since the last Expect was carried out equals `line`.
   void Reject(const std::string& line);
 
   /// Prints what is wrong with the script and ends the run with status 2.
@@ -45,14 +46,15 @@ class ScriptRun {
  private:
   void PrintLine(const std::string& line);
   void PrintFailure(const std::string& what);
-  /// Index behind the first transcript line from `expected_` on that equals `line`; 0 when there is none.
-  size_t BehindMatch(const std::string& line) const;
+  /// Index behind the first transcript line from `begin` on that equals `line`; 0 when there is none.
+  size_t BehindMatch(size_t begin, const std::string& line) const;
 
   std::istream& script_;
   std::ostream& out_;
   kw::Transcript transcript_;
   int line_ = 0;
-  size_t expected_ = 0;
+  size_t expected_ = 0;   // the line behind the one that the last Expect found
+  size_t at_expect_ = 0;  // how many lines there were at the last Expect
   int status_ = 0;
   bool over_ = false;
 };
