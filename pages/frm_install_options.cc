@@ -1,6 +1,7 @@
 #include "pages/frm_install_options.h"
 
 #include "package/file_rules.h"
+#include "pages/folder_box.h"
 #include "pages/startup_ini.h"
 
 namespace kw {
@@ -18,10 +19,7 @@ frmInstallOptions::frmInstallOptions(PageContext& context)
   UseDefaultDirectory.on_click = [this] { AdjustControls(); };
   SpecifyCustomDirectory.on_click = [this] { AdjustControls(); };
   SourceBrowse.on_click = [this] {
-    const std::string start =
-        InstallDirectory.Text().empty() ? services_.files->CurrentFolder() : InstallDirectory.Text();
-    const std::string chosen = BrowseForFolder(services_, "Select Installation Folder", start);
-    if (!chosen.empty()) InstallDirectory.SetText(chosen);
+    BrowseForFolderInto(services_, InstallDirectory, "Select Installation Folder");
   };
   AddButtons();
 }
@@ -61,16 +59,8 @@ void frmInstallOptions::AdjustControls() {
 void frmInstallOptions::LeavePage(const std::string& name) {
   std::string folder;
   if (SpecifyCustomDirectory.Value()) {
+    if (!CustomFolderIsValid(services_, InstallDirectory)) return;
     folder = InstallDirectory.Text();
-    bool valid = !folder.empty();
-    if (!valid) {
-      services_.dialogs->Message("Please enter a custom installation folder or choose the default.");
-    }
-    valid = valid && ValidatePath(services_, "Installation folder", folder, kCheckCharacters | kCheckLocal);
-    if (!valid) {
-      InstallDirectory.SelectField();
-      return;
-    }
   }
   if (!Check(db_.SetProperty("INSTALLDIR", folder)) ||
       !Check(WriteStartupFlag(services_, run_, "bSilent", SilentInstall.Checked())) ||

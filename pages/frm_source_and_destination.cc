@@ -1,10 +1,13 @@
 #include "pages/frm_source_and_destination.h"
 
+#include <utility>
+
 #include "base/text.h"
 #include "package/clean_up.h"
 #include "package/file_rules.h"
 #include "package/installer_db.h"
 #include "package/source_package.h"
+#include "pages/folder_box.h"
 
 namespace kw {
 namespace {
@@ -26,8 +29,13 @@ frmSourceAndDestination::frmSourceAndDestination(PageContext& context)
       DestinationBrowse(*this, "DestinationBrowse", "Bro&wse..."),
       Optimize(*this, "Optimize",
                "Create an &optimized installation package (a minimum of 256 MB RAM is required)") {
-  SourceBrowse.on_click = [this] { Browse(SourceDir); };
-  DestinationBrowse.on_click = [this] { Browse(DestinationDir); };
+  for (const auto& [button, box] :
+       {std::pair(&SourceBrowse, &SourceDir), std::pair(&DestinationBrowse, &DestinationDir)}) {
+    button->on_click = [this, box = box] {
+      // Both dialogs carry this title.
+      BrowseForFolderInto(services_, *box, "Select Source Folder");
+    };
+  }
   AddButtons();
 }
 
@@ -77,12 +85,6 @@ bool frmSourceAndDestination::OnQueryUnload() {
   Hide();
   context_.host.EndProgram();
   return true;
-}
-
-void frmSourceAndDestination::Browse(ui::TextBox& box) {
-  const std::string start = box.Text().empty() ? services_.files->CurrentFolder() : box.Text();
-  const std::string folder = BrowseForFolder(services_, "Select Source Folder", start);
-  if (!folder.empty()) box.SetText(folder);
 }
 
 bool frmSourceAndDestination::Stay(ui::TextBox& field) {

@@ -52,7 +52,6 @@ class frmSourceAndDestination : public WizardPage {
   /// A failure that no rule provides for: told, the attempt discarded.
   bool Fail(const Status& status);
   bool Confirm(const std::string& question);
-  void Browse(ui::TextBox& box);
 
   /// Guards against a second click while the first is being served.
   bool Leaving = false;

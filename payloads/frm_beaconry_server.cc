@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "package/file_rules.h"
+#include "pages/folder_box.h"
 #include "pages/startup_ini.h"
 #include "pages/wizard_dialog.h"
 
@@ -15,7 +16,6 @@ constexpr const char* kTrue = "TRUE";
 constexpr int kAudience = 1;
 constexpr int kDirectory = 2;
 constexpr unsigned kSourceChecks = kCheckCharacters | kCheckLocal | kCheckUnc;
-constexpr unsigned kInstallChecks = kCheckCharacters | kCheckLocal;
 
 }  // namespace
 
@@ -51,9 +51,12 @@ frmBeaconryServer::frmBeaconryServer(PageContext& context)
   UseDefaultDirectory.on_click = [this] { AdjustControls(); };
   UseSystemAccountForBeaconry.on_click = [this] { AdjustControls(); };
   SourceBrowse.on_click = [this] {
-    if (!SourceDir.Text().starts_with(kInPackage)) Browse(SourceDir, "Select Source Folder");
+    if (SourceDir.Text().starts_with(kInPackage)) return;
+    BrowseForFolderInto(services_, SourceDir, "Select Source Folder");
   };
-  InstallBrowse.on_click = [this] { Browse(InstallDirectory, "Select Installation Folder"); };
+  InstallBrowse.on_click = [this] {
+    BrowseForFolderInto(services_, InstallDirectory, "Select Installation Folder");
+  };
   AddButtons();
 }
 
@@ -79,12 +82,6 @@ void frmBeaconryServer::LoadPage() {
   UseDefaultDirectory.SetValue(true);
   UseSystemAccountForBeaconry.SetChecked(true);
   AdjustControls();
-}
-
-void frmBeaconryServer::Browse(ui::TextBox& box, const char* title) {
-  const std::string start = box.Text().empty() ? services_.files->CurrentFolder() : box.Text();
-  const std::string chosen = BrowseForFolder(services_, title, start);
-  if (!chosen.empty()) box.SetText(chosen);
 }
 
 void frmBeaconryServer::AdjustControls() {
@@ -211,18 +208,7 @@ bool frmBeaconryServer::FoldersAreValid() {
       return false;
     }
   }
-  if (!UseDefaultDirectory.Value()) {
-    bool valid = !InstallDirectory.Text().empty();
-    if (!valid) {
-      services_.dialogs->Message("Please enter a custom installation folder or choose the default.");
-    }
-    valid = valid && ValidatePath(services_, "Installation folder", InstallDirectory.Text(), kInstallChecks);
-    if (!valid) {
-      InstallDirectory.SelectField();
-      return false;
-    }
-  }
-  return true;
+  return UseDefaultDirectory.Value() || CustomFolderIsValid(services_, InstallDirectory);
 }
 
 bool frmBeaconryServer::AccountIsValid() {
@@ -296,20 +282,21 @@ Status frmBeaconryServer::WriteNestedChoices() {
   return run_.BeaconryDatabase->Commit();
 }
 
+// The build names this step; no more is said of a failure.
 bool frmBeaconryServer::SaveConfig() {
-  if (!Check(WriteChoices())) return false;
+  if (!WriteChoices().ok()) return false;
   if (!InstallBeaconry.Checked()) return true;
-  // The build names this step; no more is said of a failed commit.
   if (!WriteNestedChoices().ok()) return false;
   return !services_.files->FolderExists(run_.BeaconrySourceFolder) || CopyNestedFiles();
 }
 
 bool frmBeaconryServer::CopyNestedFiles() {
   const std::string folder = run_.DestinationFolder + "\\BCN";
-  if (!services_.files->FolderExists(folder) && !Check(services_.files->CreateFolder(folder))) return false;
+  // A folder that cannot be made shows in the copy.
+  if (!services_.files->FolderExists(folder)) services_.files->CreateFolder(folder).IgnoreError();
   if (!CopyFileToFolder(services_, run_.BeaconryWorkingMsiPath, folder, run_.BeaconryFileList)) return false;
   const auto entries = services_.files->List(run_.BeaconrySourceFolder);
-  if (!Check(entries.status())) return false;
+  if (!entries.ok()) return false;
   for (const platform::FileEntry& entry : *entries) {
     if (entry.is_folder || StartsWithNoCase(entry.name, "PkgCatalog.z")) continue;
     bool copied = false;

@@ -56,7 +56,6 @@ class frmBeaconryServer : public WizardPage, public PayloadPage {
   Status WriteChoices();
   Status WriteNestedChoices();
   bool CopyNestedFiles();
-  void Browse(ui::TextBox& box, const char* title);
 
   InstallerDb db_;
   InstallerDb nested_;

@@ -436,6 +436,50 @@ TEST_F(BeaconryServerTest, ANestedPackageThatIsNotOpenFailsTheStep) {
   EXPECT_THAT(machine.files.Tree("C:\\Out"), IsEmpty());
 }
 
+TEST_F(BeaconryServerTest, ANestedDatabaseThatCannotBeWrittenAtAnyMomentFailsTheStepWithoutAWord) {
+  Choose();
+  page().UseSystemAccountForBeaconry.UserClick();
+  page().BeaconryUserName.UserType("alerts");
+  int failed = 0;
+  for (int nth = 1; nth < 200; ++nth) {
+    SCOPED_TRACE(nth);
+    Show<frmBeaconryServer>("Beaconry Installation");
+    Next();
+    machine.files.FailNth(FileOperation::kHandleWrite, run.BeaconryWorkingMsiPath, nth, kErrorDiskFull);
+    if (page().SaveConfig()) break;
+    ++failed;
+    EXPECT_THAT(Steps(), IsEmpty());
+    EXPECT_THAT(machine.files.Tree("C:\\Out"), IsEmpty());
+    EXPECT_FALSE(run.BeaconryFileList);
+  }
+  EXPECT_GT(failed, 3);
+  EXPECT_LT(failed, 199);
+  EXPECT_EQ(SavedProperty("BEACONRYUSERNAME"), "alerts");
+}
+
+TEST_F(BeaconryServerTest, APackageThatCannotBeWrittenFailsTheStepWithoutAWord) {
+  Choose();
+  page().ServersAndWorkstations.UserClick();
+  Next();
+  machine.files.FailNext(FileOperation::kWriteFile, run.WorkingSetupIniPath, kErrorDiskFull);
+  EXPECT_FALSE(page().SaveConfig());
+  machine.files.FailNext(FileOperation::kHandleWrite, run.WorkingMsiPath, kErrorDiskFull);
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_THAT(Steps(), IsEmpty());
+  EXPECT_THAT(machine.files.Tree("C:\\Out"), IsEmpty());
+}
+
+TEST_F(BeaconryServerTest, AFolderThatCannotBeMadeShowsInTheCopy) {
+  Choose();
+  Next();
+  machine.files.FailAlways(FileOperation::kCreateFolder, "C:\\Out\\BCN", kErrorAccessDenied);
+  machine.dialogs.answers = {Answer::kCancel};
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_THAT(Steps(), ElementsAre("question Could not copy file to C:\\Out\\BCN\\BCN470.msi.  Please verify "
+                                   "that the file does not already exist, that the folder is writable and "
+                                   "that the drive is not full. [Retry|Cancel] default=Retry -> Cancel"));
+}
+
 TEST_F(BeaconryServerTest, ANestedPackageThatCannotBeCopiedFailsTheStep) {
   Choose();
   Next();

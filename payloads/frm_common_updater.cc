@@ -205,21 +205,20 @@ void frmCommonUpdater::AddChoices(ui::ListBox& list) {
 }
 
 bool frmCommonUpdater::SaveConfig() {
-  bool copied = true;
-  if (run_.PackageMode && services_.files->FileExists(WorkingList())) {
-    if (!Check(db_.SetProperty("CAG_SITEINFO_FILE_NAME", "SiteList.xml"))) return false;
-    if (run_.PackageIs700) {
-      copied = CopyFileToFolder(services_, WorkingList(), run_.DestinationFolder, run_.DestinationFileList);
-    } else if (!Check(StoreList())) {
-      return false;
-    }
-  }
-  if (!NewCommonAgentFile.Text().starts_with(kInPackage) && !Check(StoreAgent())) return false;
-  if (!copied) services_.dialogs->Message("Could not copy AutoUpdate configuration files.");
-  return copied;
+  bool stored = true;
+  if (run_.PackageMode && services_.files->FileExists(WorkingList())) stored = StoreList();
+  if (!NewCommonAgentFile.Text().starts_with(kInPackage) && !StoreAgent().ok()) stored = false;
+  if (!stored) services_.dialogs->Message("Could not copy AutoUpdate configuration files.");
+  return stored;
 }
 
-Status frmCommonUpdater::StoreList() { return db_.ReplaceBinary("sitelist.xml", WorkingList()); }
+bool frmCommonUpdater::StoreList() {
+  if (!db_.SetProperty("CAG_SITEINFO_FILE_NAME", "SiteList.xml").ok()) return false;
+  if (run_.PackageIs700) {
+    return CopyFileToFolder(services_, WorkingList(), run_.DestinationFolder, run_.DestinationFileList);
+  }
+  return db_.ReplaceBinary("sitelist.xml", WorkingList()).ok();
+}
 
 Status frmCommonUpdater::StoreAgent() {
   // The file is opened before the old row goes.

@@ -51,7 +51,7 @@ class frmCommonUpdater : public WizardPage, public PayloadPage {
   bool SwapIn(const std::string& live, const std::string& backup);
   void EditLiveList(const AgentFolders& folders);
   bool AgentIsValid();
-  Status StoreList();
+  bool StoreList();
   Status StoreAgent();
 
   InstallerDb db_;

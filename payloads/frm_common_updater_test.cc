@@ -262,6 +262,36 @@ TEST_F(CommonUpdaterTest, ASwapThatFailsTwicePutsTheMachinesListBack) {
   EXPECT_EQ(Live(), kLiveList);
 }
 
+TEST_F(CommonUpdaterTest, AMachinesListThatCannotBeRestoredIsTold) {
+  machine.files.AddFile(kWorking, kPackageList);
+  Open();
+  // The first copy makes the backup.
+  machine.files.FailNth(FileOperation::kCopyFile, kBackup, 2, kErrorDiskFull);
+  page().ConfigureSettings.UserClick();
+  EXPECT_THAT(Steps(), ElementsAre(::testing::StartsWith("message Could not copy " + std::string(kBackup))));
+  EXPECT_EQ(machine.files.Content(kBackup), kLiveList);
+}
+
+TEST_F(CommonUpdaterTest, EditsThatCannotBePickedUpLeaveTheWorkingListAndTheMachines) {
+  machine.files.AddFile(kWorking, kPackageList);
+  Open();
+  machine.libraries.On("EditSiteList", [&](const Arguments&) {
+    machine.files.AddFile(kLive, "<SiteLists from=\"dialog\"/>");
+    machine.files.FailNext(FileOperation::kCopyFile, kWorking, kErrorDiskFull);
+  });
+  page().ConfigureSettings.UserClick();
+  EXPECT_THAT(Steps(), IsEmpty());
+  EXPECT_EQ(Working(), kPackageList);
+  EXPECT_EQ(Live(), kLiveList);
+}
+
+TEST_F(CommonUpdaterTest, AListWithAnUpperCaseEndingIsRead) {
+  machine.files.AddFile("C:\\Payloads\\LIST.XML", "<a/>");
+  Open();
+  EXPECT_THAT(Import({"C:\\Payloads\\LIST.XML"}), IsEmpty());
+  EXPECT_EQ(Working(), "<a/>");
+}
+
 TEST_F(CommonUpdaterTest, AnOldReadOnlyBackupIsReplaced) {
   machine.files.AddFile(kBackup, "old", true);
   machine.files.AddFile(kWorking, kPackageList);
@@ -400,6 +430,27 @@ TEST_F(CommonUpdaterTest, AnAgentThatWentAwayFailsTheStepAndKeepsThePackagesOwn)
   ASSERT_TRUE(Db().ReplaceBinary("Callagentpkg", "C:\\Temp\\agent").ok());
   Open();
   page().NewCommonAgentFile.UserType("C:\\gone.exe");
+  Take();
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_THAT(Steps(), ElementsAre("message Could not copy AutoUpdate configuration files."));
+  EXPECT_THAT(Rows("select `Name` from `Binary`"), Contains("Callagentpkg"));
+}
+
+TEST_F(CommonUpdaterTest, ADatabaseThatCannotBeWrittenFailsTheStepWithItsMessageAlone) {
+  machine.files.AddFile(kWorking, kPackageList);
+  Open();
+  machine.files.FailAlways(FileOperation::kHandleWrite, run.WorkingMsiPath, kErrorDiskFull);
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_THAT(Steps(), ElementsAre("message Could not copy AutoUpdate configuration files."));
+}
+
+TEST_F(CommonUpdaterTest, AListOfTheOlderLevelThatIsGivenUpDoesNotKeepTheAgentBack) {
+  run.PackageIs700 = true;
+  machine.files.AddFile(kWorking, kPackageList);
+  Open();
+  page().NewCommonAgentFile.UserType("C:\\Payloads\\AgentPkg.exe");
+  machine.files.FailAlways(FileOperation::kCopyFile, "C:\\Out\\SiteList.xml", kErrorDiskFull);
+  machine.dialogs.answers = {testing::Answer::kCancel};
   EXPECT_FALSE(page().SaveConfig());
   EXPECT_THAT(Rows("select `Name` from `Binary`"), Contains("Callagentpkg"));
 }
@@ -414,6 +465,17 @@ TEST_F(CommonUpdaterTest, SettingsFileModeHasNoAgent) {
   EXPECT_FALSE(page().NewCommonAgentBrowse.Enabled());
   EXPECT_THAT(Choices<frmCommonUpdater>(),
               ElementsAre("\tAutoUpdate Configuration Properties were not configured", ""));
+}
+
+TEST_F(CommonUpdaterTest, SettingsFileModeLeavesThePageWithoutACheck) {
+  Open();
+  run.PackageMode = false;
+  page().NewCommonAgentFile.SetText("C:\\none.exe");
+  page().Next->UserClick();
+  EXPECT_FALSE(page().Visible());
+  EXPECT_TRUE(run.changes.ConfigChangedSiteList);
+  EXPECT_THAT(Choices<frmCommonUpdater>(),
+              ElementsAre("\tAutoUpdate Configuration Properties were configured", ""));
 }
 
 }  // namespace

@@ -324,9 +324,10 @@ bool frmDATsAndEngine::ReadDATDate(const std::string& folder, std::string& date)
   return true;
 }
 
+// The build names this step; no more is said of a failure.
 bool frmDATsAndEngine::SaveConfig() {
   if (FromSource.Value()) return true;
-  return run_.PackageIs700 ? SaveBesidePackage() : Check(SaveInPackage());
+  return run_.PackageIs700 ? SaveBesidePackage() : SaveInPackage().ok();
 }
 
 bool frmDATsAndEngine::SaveBesidePackage() {
@@ -343,9 +344,9 @@ bool frmDATsAndEngine::SaveBesidePackage() {
   }
   if (!copied) return false;
   const std::string& ini = run_.WorkingSetupIniPath;
-  return Check(WriteIniValue(services_, ini, kDatSection, "DATDate", DATDate)) &&
-         Check(WriteIniValue(services_, ini, kDatSection, "DATVersion", DATVersion)) &&
-         Check(WriteIniValue(services_, ini, kEngineSection, "EngineVersion", EngineVersion));
+  return WriteIniValue(services_, ini, kDatSection, "DATDate", DATDate).ok() &&
+         WriteIniValue(services_, ini, kDatSection, "DATVersion", DATVersion).ok() &&
+         WriteIniValue(services_, ini, kEngineSection, "EngineVersion", EngineVersion).ok();
 }
 
 Status frmDATsAndEngine::SaveInPackage() {

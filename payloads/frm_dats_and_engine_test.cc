@@ -452,6 +452,60 @@ TEST_F(DatsAndEngineTest, ACopyIntoTheCabinetsThatFailsFailsTheStep) {
   Next();
   machine.files.FailNext(FileOperation::kCopyFile, run.CabDataFolder + "\\SIGS.DAT", kErrorDiskFull);
   EXPECT_FALSE(page().SaveConfig());
+  // The build names the step.
+  EXPECT_THAT(Steps(), IsEmpty());
+}
+
+TEST_F(DatsAndEngineTest, ADatabaseThatCannotBeWrittenFailsTheStepWithoutAWord) {
+  Choose("C:\\Payloads\\dat.zip", "");
+  Next();
+  machine.files.FailAlways(FileOperation::kHandleWrite, run.WorkingMsiPath, kErrorDiskFull);
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_THAT(Steps(), IsEmpty());
+  EXPECT_EQ(Cab("SIGS.DAT"), "old SIGS.DAT");
+}
+
+TEST_F(DatsAndEngineTest, ASetupIniOfTheOlderLevelThatCannotBeWrittenFailsTheStepWithoutAWord) {
+  UseLevel700();
+  Choose("C:\\Payloads\\dat.zip", "");
+  Next();
+  machine.files.FailAlways(FileOperation::kWriteFile, run.WorkingSetupIniPath, kErrorDiskFull);
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_THAT(Steps(), IsEmpty());
+}
+
+TEST_F(DatsAndEngineTest, ALevelWithoutOneOfItsFilesShowsWhenTheBuildWantsItBack) {
+  ASSERT_TRUE(machine.files.DeleteFile(run.CabDataFolder + "\\ENGINE.DAT", true).ok());
+  Choose("C:\\Payloads\\dat.zip", "");
+  Next();
+  EXPECT_FALSE(OnPage());
+  EXPECT_FALSE(page().SaveConfig());
+}
+
+TEST_F(DatsAndEngineTest, AnArchiveAtTheRootOfADiskIsReachedThere) {
+  machine.files.AddFile("C:\\dat.zip", "archive");
+  Choose("C:\\dat.zip", "");
+  Next();
+  EXPECT_FALSE(OnPage());
+  EXPECT_THAT(unpacked, ElementsAre("C:\\dat.zip at C:\\"));
+}
+
+TEST_F(DatsAndEngineTest, AnEmptyEnginePathMovesNoFocusIntoAClosedBox) {
+  Choose("", "");
+  page().SpecifyEngineZIP.UserClick();
+  Take();
+  EXPECT_THAT(Next(),
+              ElementsAre("message You selected to add updated engine files.  Please enter a valid path "
+                          "to an engine package."));
+  EXPECT_TRUE(OnPage());
+}
+
+TEST_F(DatsAndEngineTest, AnEngineArchiveThatFailsLeavesTheDefinitionsMembersAsTheyWere) {
+  engine_members.erase("ENGINE.DAT");
+  Choose("C:\\Payloads\\dat.zip", "C:\\Payloads\\engine.zip");
+  Next();
+  EXPECT_EQ(page().DATVersion, "4.0.4155");
+  EXPECT_EQ(page().DATDate, "11/07/2001");
 }
 
 TEST_F(DatsAndEngineTest, FilesOfTheOlderLevelLieBesideTheDatabaseAndAreListed) {

@@ -3,6 +3,7 @@
 #include "base/path.h"
 #include "package/file_rules.h"
 #include "package/installer_db.h"
+#include "pages/folder_box.h"
 #include "pages/frm_install_options.h"
 #include "pages/startup_ini.h"
 #include "pages/wizard_dialog.h"
@@ -17,7 +18,6 @@ constexpr const char* kProgram = "Bulwark.EXE";
 constexpr const char* kLocationKey = "szBWKLocation";
 constexpr const char* kDescriptorSection = "General";
 constexpr int kCommonApplicationData = 35;
-constexpr unsigned kInstallChecks = kCheckCharacters | kCheckLocal;
 
 }  // namespace
 
@@ -50,10 +50,7 @@ frmInstallBWK::frmInstallBWK(PageContext& context)
     if (!chosen.empty()) SourcePath.SetText(chosen);
   };
   InstallBrowse.on_click = [this] {
-    const std::string start =
-        InstallDirectory.Text().empty() ? services_.files->CurrentFolder() : InstallDirectory.Text();
-    const std::string chosen = BrowseForFolder(services_, "Select Installation Folder", start);
-    if (!chosen.empty()) InstallDirectory.SetText(chosen);
+    BrowseForFolderInto(services_, InstallDirectory, "Select Installation Folder");
   };
   ConfigureSettings.on_click = [this] { OnConfigure(); };
   AddButtons();
@@ -190,17 +187,7 @@ bool frmInstallBWK::InstallerIsValid() {
     SourcePath.SelectField();
     return false;
   }
-  if (!UseDefaultDirectory.Value()) {
-    bool valid = !InstallDirectory.Text().empty();
-    if (!valid) {
-      services_.dialogs->Message("Please enter a custom installation folder or choose the default.");
-    }
-    valid = valid && ValidatePath(services_, "Installation folder", InstallDirectory.Text(), kInstallChecks);
-    if (!valid) {
-      InstallDirectory.SelectField();
-      return false;
-    }
-  }
+  if (!UseDefaultDirectory.Value() && !CustomFolderIsValid(services_, InstallDirectory)) return false;
   InstallerPath = in_package ? run_.SourceFolder + "\\BWK\\" + kProgram : text;
   NewInstallDirectory = InstallDirectory.Text();
   return true;
@@ -224,10 +211,11 @@ bool frmInstallBWK::InstallerStands() {
          ManagedBySTC.Value() == OldManaged;
 }
 
+// The build names this step; no more is said of a failure.
 bool frmInstallBWK::SaveConfig() {
   const std::string& ini = run_.WorkingSetupIniPath;
   if (!InstallBWK.Checked()) {
-    return Check(WriteIniValue(services_, ini, kStartupSection, kLocationKey, std::nullopt));
+    return WriteIniValue(services_, ini, kStartupSection, kLocationKey, std::nullopt).ok();
   }
   if (!services_.files->FileExists(InstallerPath)) return false;
   const std::string folder = run_.DestinationFolder + "\\BWK";
@@ -240,7 +228,7 @@ bool frmInstallBWK::SaveConfig() {
   if (!InstallerStands() && !MakeInstaller(final_installer)) return false;
   run_.BulwarkIncluded = ManagedBySTC.Checked();
   const bool copied = CopyInstaller(final_installer);
-  return Check(WriteIniValue(services_, ini, kStartupSection, kLocationKey, "\\BWK")) && copied;
+  return WriteIniValue(services_, ini, kStartupSection, kLocationKey, "\\BWK").ok() && copied;
 }
 
 bool frmInstallBWK::MakeInstaller(std::string& final_installer) {

@@ -358,6 +358,46 @@ TEST_F(InstallBwkTest, ACopyToTheDestinationThatFailsFailsTheStep) {
   EXPECT_FALSE(page().SaveConfig());
 }
 
+TEST_F(InstallBwkTest, AProgramThatLayInTheDestinationBeforeDoesNotHideAFailedCopy) {
+  Choose();
+  table.Get<frmInstallOptions>().SilentInstall.SetChecked(true);
+  Next();
+  machine.files.AddFile("C:\\Out\\BWK\\Bulwark.EXE", "of an earlier run");
+  machine.files.FailNext(FileOperation::kCopyFile, "C:\\Bulwark\\Bulwark8.exe", kErrorDiskFull);
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_FALSE(run.BulwarkProgramCopied);
+}
+
+TEST_F(InstallBwkTest, AProgramOfTheGivenNameIsTakenOutOfTheDestination) {
+  machine.files.AddFile("C:\\Out\\BWK\\Bulwark8.exe", "of an earlier run");
+  Choose();
+  Next();
+  ASSERT_TRUE(page().SaveConfig());
+  EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("BWK\\Bulwark.EXE"));
+}
+
+TEST_F(InstallBwkTest, ASetupIniThatCannotBeWrittenFailsTheStepWithoutAWord) {
+  Choose();
+  Next();
+  machine.files.FailAlways(FileOperation::kWriteFile, run.WorkingSetupIniPath, kErrorDiskFull);
+  EXPECT_FALSE(page().SaveConfig());
+  machine.files.AddFile(run.WorkingSetupIniPath, "[Startup]\r\nszBWKLocation=\\BWK\r\n");
+  page().InstallBWK.SetChecked(false);
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_THAT(Steps(), IsEmpty());
+}
+
+TEST_F(InstallBwkTest, LeavingByEveryWayRunsTheChecks) {
+  Open();
+  page().InstallBWK.UserClick();
+  for (ui::Button* button : {page().Next.get(), page().Back.get(), page().Finsh.get()}) {
+    Take();
+    button->UserClick();
+    EXPECT_THAT(Take(), ElementsAre("message Please enter a path to the Tamrix Bulwark installation file.",
+                                    "focus frmInstallBWK.SourcePath"));
+  }
+}
+
 TEST_F(InstallBwkTest, AReadOnlyInstallerIsRewrittenOnItsCopy) {
   machine.files.AddFile("C:\\Bulwark\\Bulwark8.exe", "read-only installer", true);
   Choose();

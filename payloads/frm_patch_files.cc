@@ -149,12 +149,13 @@ void frmPatchFiles::AddChoices(ui::ListBox& list) {
   list.Add("");
 }
 
+// The build names this step; no more is said of a failure than the copy itself asks.
 bool frmPatchFiles::SaveConfig() {
   for (int i = 0; i < PatchFiles.Count(); ++i) {
     const std::string& path = PatchFiles.Items()[static_cast<size_t>(i)];
     if (!CopyFileToFolder(services_, path, run_.DestinationFolder, run_.DestinationFileList) ||
-        !Check(WriteIniValue(services_, run_.WorkingSetupIniPath, kStartupSection, PatchKey(i),
-                             FileNameOf(path)))) {
+        !WriteIniValue(services_, run_.WorkingSetupIniPath, kStartupSection, PatchKey(i), FileNameOf(path))
+             .ok()) {
       return false;
     }
   }

@@ -200,11 +200,40 @@ TEST_F(PatchFilesTest, ACopyThatIsGivenUpStopsTheStepAndKeepsTheKeysBeforeIt) {
   EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("ONE.MSP"));
 }
 
-TEST_F(PatchFilesTest, EveryWayOutIsOpen) {
-  Open();
-  Show<frmPatchFiles>("Patch Files").Next->UserClick();
+TEST_F(PatchFilesTest, AKeyThatCannotBeWrittenFailsTheStepWithoutAWord) {
+  AddThree();
+  machine.files.FailNext(FileOperation::kWriteFile, run.WorkingSetupIniPath, kErrorDiskFull);
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_THAT(Take(), IsEmpty());
+}
+
+TEST_F(PatchFilesTest, AnEditThatIsRefusedBeginsAgainWithItsOwnLine) {
+  AddThree();
+  EXPECT_THAT(Edit({"C:\\a.txt", ""}), ElementsAre(kDialog + "C:\\P\\THREE.MSP -> C:\\a.txt", kNoPatch,
+                                                   kDialog + "C:\\P\\THREE.MSP -> cancel"));
+  EXPECT_EQ(page().PatchFiles.Items().back(), "C:\\P\\THREE.MSP");
+}
+
+TEST_F(PatchFilesTest, AnEditMayKeepItsOwnNameInAnotherSpelling) {
+  AddThree();
+  Edit({"c:\\p\\Three.msp"});
+  EXPECT_THAT(page().PatchFiles.Items(), ElementsAre("C:\\P\\ONE.MSP", "C:\\P\\TWO.MSP", "C:\\P\\THREE.MSP"));
+}
+
+TEST_F(PatchFilesTest, EveryWayOutIsOpenAndWritesNothing) {
+  AddThree();
+  for (const char* way : {"Next", "Back", "Finsh"}) {
+    SCOPED_TRACE(way);
+    frmPatchFiles& shown = Show<frmPatchFiles>("Patch Files");
+    (way[0] == 'N' ? shown.Next : way[0] == 'B' ? shown.Back : shown.Finsh)->UserClick();
+    EXPECT_FALSE(page().Visible());
+    EXPECT_THAT(Steps(), Contains("hide frmPatchFiles"));
+  }
+  Show<frmPatchFiles>("Patch Files");
+  ClickNode("frmPatchFiles", "Features");
   EXPECT_FALSE(page().Visible());
-  EXPECT_THAT(Steps(), Contains("hide frmPatchFiles"));
+  EXPECT_EQ(Startup(), "[Startup]\r\n");
+  EXPECT_THAT(machine.files.Tree("C:\\Out"), IsEmpty());
 }
 
 }  // namespace

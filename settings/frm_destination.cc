@@ -4,6 +4,7 @@
 #include "package/clean_up.h"
 #include "package/file_rules.h"
 #include "package/source_package.h"
+#include "pages/folder_box.h"
 #include "settings/branches.h"
 
 namespace kw {
@@ -30,10 +31,7 @@ frmDestination::frmDestination(PageContext& context)
       DestConfigFolder(*this, "DestConfigFolder"),
       ConfigBrowse(*this, "ConfigBrowse", "B&rowse...") {
   ConfigBrowse.on_click = [this] {
-    const std::string start =
-        DestConfigFolder.Text().empty() ? services_.files->CurrentFolder() : DestConfigFolder.Text();
-    const std::string chosen = BrowseForFolder(services_, "Select Destination Folder", start);
-    if (!chosen.empty()) DestConfigFolder.SetText(chosen);
+    BrowseForFolderInto(services_, DestConfigFolder, "Select Destination Folder");
   };
   AddButtons();
 }

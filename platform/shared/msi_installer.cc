@@ -3,6 +3,7 @@
 #include <ctime>
 #include <utility>
 
+#include "base/text.h"
 #include "msi/database.h"
 #include "msi/session.h"
 
@@ -26,6 +27,20 @@ uint64_t FileTimeOf(const LocalTime& time) {
   return static_cast<uint64_t>(static_cast<int64_t>(std::mktime(&parts)) + kSecondsFrom1601To1970) * 10000000;
 }
 
+/// A path as the program writes it, and where it lies for the engine.
+struct PathPair {
+  PathPair(const InstallerGround& ground, const std::string& path)
+      : shown(path), host(ground.host_path(path)) {}
+  /// The engine's failure, in words that name the path as people know it.
+  Status Tell(const Status& status) const {
+    if (status.ok()) return status;
+    return Status(status.number(), ReplaceAll(status.message(), host, shown));
+  }
+
+  std::string shown;
+  std::string host;
+};
+
 class MsiRecord : public Record {
  public:
   MsiRecord(Ground ground, msi::Record inner) : ground_(std::move(ground)), inner_(std::move(inner)) {}
@@ -39,7 +54,8 @@ class MsiRecord : public Record {
   int32_t IntegerData(int field) const override { return inner_.IntegerData(field); }
   Status SetIntegerData(int field, int32_t value) override { return inner_.SetInteger(field, value); }
   Status SetStream(int field, const std::string& path) override {
-    return inner_.SetStream(field, ground_->storage, ground_->host_path(path));
+    const PathPair file(*ground_, path);
+    return file.Tell(inner_.SetStream(field, ground_->storage, file.host));
   }
   Result<std::string> ReadStream(int field, int length) override {
     return inner_.ReadStream(field, length > 0 ? static_cast<size_t>(length) : 0);
@@ -107,20 +123,22 @@ class MsiSummaryInfo : public SummaryInfo {
 
 class MsiDatabase : public Database {
  public:
-  MsiDatabase(Ground ground, std::shared_ptr<msi::Database> inner)
-      : ground_(std::move(ground)), inner_(std::move(inner)) {}
+  MsiDatabase(Ground ground, PathPair file, std::shared_ptr<msi::Database> inner)
+      : ground_(std::move(ground)), file_(std::move(file)), inner_(std::move(inner)) {}
   const std::shared_ptr<msi::Database>& Inner() const { return inner_; }
 
   Result<std::unique_ptr<View>> OpenView(std::string_view sql) override {
     KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::View> view, inner_->OpenView(sql));
     return std::unique_ptr<View>(std::make_unique<MsiView>(ground_, std::move(view)));
   }
-  Status Commit() override { return inner_->Commit(); }
+  Status Commit() override { return file_.Tell(inner_->Commit()); }
   Status Export(const std::string& table, const std::string& folder, const std::string& file) override {
-    return inner_->Export(table, ground_->host_path(folder), file);
+    const PathPair target(*ground_, folder);
+    return target.Tell(inner_->Export(table, target.host, file));
   }
   Status Import(const std::string& folder, const std::string& file) override {
-    return inner_->Import(ground_->host_path(folder), file);
+    const PathPair source(*ground_, folder);
+    return source.Tell(inner_->Import(source.host, file));
   }
   Result<std::unique_ptr<SummaryInfo>> SummaryInformation(int updates) override {
     KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::SummaryInfo> info, inner_->SummaryInformation(updates));
@@ -129,6 +147,7 @@ class MsiDatabase : public Database {
 
  private:
   Ground ground_;
+  PathPair file_;
   std::shared_ptr<msi::Database> inner_;
 };
 
@@ -163,10 +182,11 @@ class MsiInstaller : public Installer {
   }
 
   Result<std::shared_ptr<Database>> OpenDatabase(const std::string& path, OpenMode mode) override {
-    KW_ASSIGN_OR_RETURN(
-        std::shared_ptr<msi::Database> database,
-        msi::Database::Open(ground_->storage, ground_->host_path(path), static_cast<msi::OpenMode>(mode)));
-    return std::shared_ptr<Database>(std::make_shared<MsiDatabase>(ground_, std::move(database)));
+    PathPair file(*ground_, path);
+    auto database = msi::Database::Open(ground_->storage, file.host, static_cast<msi::OpenMode>(mode));
+    if (!database.ok()) return file.Tell(database.error()).error();
+    return std::shared_ptr<Database>(
+        std::make_shared<MsiDatabase>(ground_, std::move(file), std::move(*database)));
   }
 
   Result<std::unique_ptr<Session>> OpenPackage(const std::shared_ptr<Database>& database) override {

@@ -24,8 +24,8 @@ enum class FileOperation {
   kCreateFolder,
   kSetReadOnly,
   kOpen,
-  kHandleRead,  ///< reads and writes of an open file, by its path
-  kHandleWrite,
+  kHandleRead,   ///< reads of an open file, by its path
+  kHandleWrite,  ///< changes of an open file, by its path; those of a database among them
   kReadFile,
   kWriteFile,
   kSetCurrentFolder,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <utility>
 
 #include "platform/shared/file_errors.h"
@@ -12,8 +13,9 @@ namespace {
 
 class FakeHostFile : public StorageFile {
  public:
-  FakeHostFile(std::shared_ptr<FakeNode> node, bool writable, std::string path)
-      : node_(std::move(node)), writable_(writable), path_(std::move(path)) {
+  /// `ordered` gives the number with which the next change is to fail, or 0.
+  FakeHostFile(std::shared_ptr<FakeNode> node, bool writable, std::string path, std::function<int()> ordered)
+      : node_(std::move(node)), writable_(writable), path_(std::move(path)), ordered_(std::move(ordered)) {
     ++node_->databases;
   }
   ~FakeHostFile() override { --node_->databases; }
@@ -27,6 +29,7 @@ class FakeHostFile : public StorageFile {
 
   Status WriteAt(uint64_t offset, std::span<const std::byte> data) override {
     if (!writable_) return FileError(kErrorAccessDenied, "write", path_);
+    if (const int number = ordered_()) return FileError(number, "write", path_);
     const size_t end = static_cast<size_t>(offset) + data.size();
     if (node_->bytes.size() < end) node_->bytes.resize(end);
     if (!data.empty()) std::memcpy(node_->bytes.data() + offset, data.data(), data.size());
@@ -37,16 +40,21 @@ class FakeHostFile : public StorageFile {
 
   Status Truncate(uint64_t size) override {
     if (!writable_) return FileError(kErrorAccessDenied, "resize", path_);
+    if (const int number = ordered_()) return FileError(number, "resize", path_);
     node_->bytes.resize(static_cast<size_t>(size));
     return {};
   }
 
-  Status Sync() override { return {}; }
+  Status Sync() override {
+    const int number = ordered_();
+    return number == 0 ? Status() : FileError(number, "write", path_);
+  }
 
  private:
   std::shared_ptr<FakeNode> node_;
   bool writable_;
   std::string path_;
+  std::function<int()> ordered_;
 };
 
 }  // namespace
@@ -67,7 +75,9 @@ Result<std::unique_ptr<StorageFile>> FakeHostFiles::Open(const std::string& path
   if (place.node->is_folder) return FileError(kErrorAccessDenied, "open", path);
   if (place.node->held_exclusively) return FileError(kErrorSharingViolation, "open", path);
   if (mode == Mode::kCreateAlways) place.node->bytes.clear();
-  return std::unique_ptr<StorageFile>(std::make_unique<FakeHostFile>(place.node, mode != Mode::kRead, path));
+  const auto ordered = [this, path] { return files_.Ordered(FileOperation::kHandleWrite, path); };
+  return std::unique_ptr<StorageFile>(
+      std::make_unique<FakeHostFile>(place.node, mode != Mode::kRead, path, ordered));
 }
 
 Status FakeHostFiles::Rename(const std::string& from, const std::string& to) {

@@ -336,8 +336,16 @@ TEST_P(InstallerContract, AReplacedStreamHasItsNewBytes) {
 
 TEST_P(InstallerContract, AStreamWantsAFileThatCanBeRead) {
   auto record = installer.CreateRecord(1);
-  EXPECT_FALSE(record->SetStream(1, folder + "\\missing").ok());
+  const Status missing = record->SetStream(1, folder + "\\missing");
+  EXPECT_FALSE(missing.ok());
+  EXPECT_THAT(missing.message(), ::testing::HasSubstr(" " + folder + "\\missing"));
   EXPECT_FALSE(record->ReadStream(1, 10).ok());
+}
+
+TEST_P(InstallerContract, AFailureNamesTheDatabaseAsItWasAskedFor) {
+  const auto opened = installer.OpenDatabase(folder + "\\missing.msi", OpenMode::kDirect);
+  ASSERT_FALSE(opened.ok());
+  EXPECT_THAT(opened.error().message, ::testing::HasSubstr(" " + folder + "\\missing.msi"));
 }
 
 TEST_P(InstallerContract, RowsAreModifiedThroughAView) {
