@@ -33,6 +33,26 @@ TEST(Text, CodePageTextComesBackAsUtf8) {
   EXPECT_EQ(CodePageOfLocale(2052), 936);
 }
 
+TEST(Text, EveryByteOfAWindowsPageIsACharacterAndComesBack) {
+  for (const int page : {874, 1250, 1251, 1252, 1253, 1254, 1255, 1256, 1257, 1258}) {
+    std::string bytes;
+    for (int byte = 1; byte < 0x100; ++byte) bytes += static_cast<char>(byte);
+    const std::string utf8 = CodePageToUtf8(bytes, page);
+    EXPECT_EQ(CharacterCount(utf8), 255u) << page;
+    EXPECT_EQ(utf8.find("\xEF\xBF\xBD"), std::string::npos) << page;
+    EXPECT_EQ(Utf8ToCodePage(utf8, page).value_or(""), bytes) << page;
+  }
+  EXPECT_EQ(CodePageToUtf8("\x81\x8D\x8F\x90\x9D", 1252), "\xC2\x81\xC2\x8D\xC2\x8F\xC2\x90\xC2\x9D");
+  EXPECT_EQ(CodePageToUtf8("\xDB\xFF", 874), "\xEF\xA3\x81\xEF\xA3\x88");
+  EXPECT_EQ(CodePageToUtf8("\x80\xA0\xFD", 932), "\xC2\x80\xEF\xA3\xB0\xEF\xA3\xB1");
+}
+
+TEST(Text, AControlCharacterWhoseNumberThePageUsesOtherwiseHasNoPlaceInIt) {
+  // 0x80 is the euro sign there.
+  EXPECT_EQ(Utf8ToCodePage("\xC2\x80", 1252).number(), kErrorUnrepresentableText);
+  EXPECT_EQ(Utf8ToCodePage("\xC2\x81\xE2\x82\xAC", 1252).value_or(""), "\x81\x80");
+}
+
 TEST(Text, ComparisonsIgnoreCaseBeyondAscii) {
   EXPECT_TRUE(EqualsNoCase("\xC3\x84pfel.TXT", "\xC3\xA4PFEL.txt"));
   EXPECT_TRUE(StartsWithNoCase("Install.pkg.bak", "INSTALL.PKG"));

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "package/staging.h"
 #include "platform/testing/fake_machine.h"
 #include "ui/testing/fake_form_host.h"
 
@@ -228,6 +229,27 @@ TEST_F(RunAndWaitTest, ForgetsTheTitleOfTheToolBefore) {
   run.ToolWindowTitle = "before";
   EXPECT_EQ(Run("tool"), 0);
   EXPECT_EQ(run.ToolWindowTitle, "");
+}
+
+TEST_F(RunAndWaitTest, WhatAProgramLeavesBehindAnEndedRunIsTakenAway) {
+  run.TempFolder = "C:\\Temp\\run";
+  machine.processes.On("tool", platform::testing::FakeProcesses::Script{
+                                   1,
+                                   2,
+                                   0,
+                                   [this](const platform::testing::FakeCommand&) {
+                                     machine.registry.SetDword(platform::Hive::kCurrentUser, kStagingBranch,
+                                                               "x", 1);
+                                     machine.files.AddFile("C:\\Temp\\run\\late.txt", "x");
+                                   },
+                                   {}});
+  host.meanwhile.push_back([this] {
+    run.TempFolder.clear();
+    host.EndProgram();
+  });
+  EXPECT_EQ(Run("tool"), 0);
+  EXPECT_FALSE(machine.registry.HasKey(platform::Hive::kCurrentUser, kStagingBranch));
+  EXPECT_FALSE(machine.files.FolderExists("C:\\Temp\\run"));
 }
 
 TEST_F(RunAndWaitTest, AProgramThatDoesNotStartGivesMinusOneWithoutAWord) {

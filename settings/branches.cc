@@ -47,10 +47,16 @@ bool DecryptFile(platform::Services& services, const std::string& source, const 
 
 Result<std::string> EncryptText(platform::Services& services, const std::string& text) {
   EnterProgramFolder(services);
-  KW_ASSIGN_OR_RETURN(std::string bytes, Utf8ToCodePage(text, services.system->CodePage()));
-  KW_ASSIGN_OR_RETURN(const int result, services.libraries->EncryptTextInPlace(bytes));
-  if (result == 0) return {kErrorFunctionFailed, "The password could not be enciphered."};
-  return CodePageToUtf8(bytes, services.system->CodePage());
+  // What fails is told without the text, which is a password.
+  auto bytes = Utf8ToCodePage(text, services.system->CodePage());
+  if (!bytes.ok()) {
+    return {bytes.number(), "The password holds a character that code page " +
+                                std::to_string(services.system->CodePage()) + " does not have."};
+  }
+  if (!SaysYes(services.libraries->EncryptTextInPlace(*bytes))) {
+    return {kErrorFunctionFailed, "The password could not be enciphered."};
+  }
+  return CodePageToUtf8(*bytes, services.system->CodePage());
 }
 
 bool TakeChangeFlag(platform::Services& services, const std::string& name) {

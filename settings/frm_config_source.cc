@@ -197,7 +197,7 @@ void frmConfigSource::TakePackageSettings() {
       InstallerDb::Working(services_, run_).ExtractBinary("ktecfg.cab", inside).value_or(false);
   // Both run even when the first fails.
   const bool imported = ImportConfiguration(context_, inside, false);
-  if (extracted && imported && !run_.PackageIs700) {
+  if (extracted && imported && !run_.ProductIs700) {
     ShowFileSource(inside, PackageMarker());
     return;
   }

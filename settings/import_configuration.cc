@@ -53,6 +53,7 @@ class Import {
     // The backslash that the tool needs follows the closing quote.
     RunAndWait(services_, run_, context_.host, "CabArc X \"" + path + "\" *.* \"" + folder_ + "\"\\",
                platform::WindowStyle::kHidden);
+    if (context_.host.Ended()) return false;
     if (files_.FileExists(folder_ + "\\KTE700.CFG")) return true;
     Tell(
         "The provided cab file does not appear to contain Kestrane Enterprise settings.  Please choose a "
@@ -74,6 +75,7 @@ class Import {
     }
     RunAndWait(services_, run_, context_.host, "regedit.exe /s \"" + settings + "\"",
                platform::WindowStyle::kHidden);
+    if (context_.host.Ended()) return false;
     ReadDeltaConfig();
     return true;
   }

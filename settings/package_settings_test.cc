@@ -102,7 +102,7 @@ TEST_F(PackageSettingsTest, WithoutSettingsInsideThoseBesideAreTaken) {
 
 TEST_F(PackageSettingsTest, AtTheOlderLevelSettingsInsideDoNotCount) {
   run.ProductInstalled = false;
-  run.PackageIs700 = true;
+  run.ProductIs700 = true;
   PutInside();
   TakeUp();
   EXPECT_THAT(unpacked, ElementsAre("C:\\Temp\\run\\KTECFG.CAB"));

@@ -1,11 +1,11 @@
 // zedutil: the stand-in for the maker's library of registry, cipher and rights helpers.
 
+#include "platform/registry_trees.h"
 #include "platform/shared/library_abi.h"
 #include "sample/libraries/library_calls.h"
 #include "sample/libraries/settings_export.h"
 #include "sample/settings/answers.h"
 #include "sample/settings/cipher.h"
-#include "sample/settings/registry_trees.h"
 #include "sample/settings/this_machine.h"
 
 namespace {
@@ -18,11 +18,13 @@ bool HiveOf(uintptr_t root, Hive& hive) {
   return root == KITWRIGHT_HKEY_LOCAL_MACHINE || root == KITWRIGHT_HKEY_CURRENT_USER;
 }
 
-int DeleteEmpty(uintptr_t root, const char16_t* subkey, bool subkeys) {
+using DeleteEmptyCall = bool (*)(kw::platform::Registry& registry, Hive hive, std::string_view path);
+
+int DeleteEmpty(uintptr_t root, const char16_t* subkey, DeleteEmptyCall call) {
   Hive hive;
   if (!HiveOf(root, hive)) return 0;
   const auto registry = CallContext().Registry();
-  return kw::sample::DeleteEmptyKey(*registry, hive, CallContext::Wide(subkey), subkeys) ? 1 : 0;
+  return call(*registry, hive, CallContext::Wide(subkey)) ? 1 : 0;
 }
 
 }  // namespace
@@ -33,12 +35,16 @@ int REG_SHDeleteKey(uintptr_t root, const char16_t* subkey) {
   Hive hive;
   if (!HiveOf(root, hive)) return kw::kErrorInvalidHandle;
   const auto registry = CallContext().Registry();
-  return kw::sample::DeleteRegistryTree(*registry, hive, CallContext::Wide(subkey)).number();
+  return kw::platform::DeleteTree(*registry, hive, CallContext::Wide(subkey)).number();
 }
 
-int REG_SHDeleteEmptyKey(uintptr_t root, const char16_t* subkey) { return DeleteEmpty(root, subkey, false); }
+int REG_SHDeleteEmptyKey(uintptr_t root, const char16_t* subkey) {
+  return DeleteEmpty(root, subkey, kw::platform::DeleteEmptyKey);
+}
 
-int REG_SHDeleteEmptyKeyEx(uintptr_t root, const char16_t* subkey) { return DeleteEmpty(root, subkey, true); }
+int REG_SHDeleteEmptyKeyEx(uintptr_t root, const char16_t* subkey) {
+  return DeleteEmpty(root, subkey, kw::platform::DeleteEmptyKeyTree);
+}
 
 int REG_SHCopyKey(uintptr_t root, const char16_t* subkey, const void* open_destination_key, int) {
   Hive from;

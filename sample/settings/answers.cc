@@ -25,9 +25,7 @@ Answer AnswerNamed(std::string_view text, bool has_display) {
   return has_display ? Answer::kDialog : Answer::kCancel;
 }
 
-Answer AnswerOfThisProcess() {
-  return AnswerNamed(Environment("SAMPLE_TOOL_ANSWER"), HasDisplay());
-}
+Answer AnswerOfThisProcess() { return AnswerNamed(Environment("SAMPLE_TOOL_ANSWER"), HasDisplay()); }
 
 bool ListNames(std::string_view list, std::string_view stand_in) {
   for (const std::string& name : Split(list, ',')) {

@@ -120,12 +120,20 @@ Status ConvertFile(Storage& storage, const std::string& source, const std::strin
   return status;
 }
 
+/// True for a control character of the upper half, and for one of no meaning that stands for a byte that the
+/// page leaves open.
+bool IsOddCharacter(const std::string& utf8) {
+  const std::u16string character = Utf8ToUtf16(utf8);
+  return character.size() != 1 || character[0] < 0xA0 || (character[0] >= 0xE000 && character[0] < 0xF900);
+}
+
 /// The bytes of a code page that are one character each, without control characters, in order.
 std::string Alphabet(int code_page, bool ascii) {
   std::string letters;
   for (int byte = ascii ? 0x20 : 0x80; byte < (ascii ? 0x7F : 0x100); ++byte) {
     const std::string utf8 = CodePageToUtf8(std::string(1, static_cast<char>(byte)), code_page);
     const Result<std::string> back = Utf8ToCodePage(utf8, code_page);
+    if (!ascii && IsOddCharacter(utf8)) continue;
     if (back.ok() && back->size() == 1 && (*back)[0] == static_cast<char>(byte))
       letters += static_cast<char>(byte);
   }

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/testing/fake_registry.h"
-#include "sample/settings/registry_trees.h"
 
 namespace kw::sample {
 namespace {
@@ -184,33 +183,6 @@ TEST(ParseToolCommand, OtherToolsAndCommandsWithoutABranchAreRefused) {
   EXPECT_EQ(ParseToolCommand("Other", {"/ZEDW"}).number(), kErrorInvalidParameter);
   EXPECT_EQ(ParseToolCommand("TxDesk", {"/ZEDW"}).number(), kErrorInvalidParameter);
   EXPECT_EQ(ParseToolCommand("OasCfg32", {}).number(), kErrorInvalidParameter);
-}
-
-TEST(RegistryTrees, AnEmptyKeyGoesAndOneWithAValueStays) {
-  FakeRegistry registry;
-  registry.AddKey(Hive::kCurrentUser, "A\\B");
-  EXPECT_FALSE(DeleteEmptyKey(registry, Hive::kCurrentUser, "A", false));
-  EXPECT_TRUE(DeleteEmptyKey(registry, Hive::kCurrentUser, "A", true));
-  EXPECT_FALSE(registry.HasKey(Hive::kCurrentUser, "A"));
-  EXPECT_TRUE(DeleteEmptyKey(registry, Hive::kCurrentUser, "A", false));
-  registry.SetDword(Hive::kCurrentUser, "C\\D", "v", 1);
-  registry.AddKey(Hive::kCurrentUser, "C\\E");
-  EXPECT_FALSE(DeleteEmptyKey(registry, Hive::kCurrentUser, "C", true));
-  EXPECT_TRUE(registry.HasKey(Hive::kCurrentUser, "C\\D"));
-  EXPECT_FALSE(registry.HasKey(Hive::kCurrentUser, "C\\E"));
-}
-
-TEST(RegistryTrees, ATreeIsCopiedAndDeletedWhole) {
-  FakeRegistry registry;
-  registry.SetText(Hive::kLocalMachine, "A", "", "default");
-  registry.SetDword(Hive::kLocalMachine, "A\\B\\C", "v", 7);
-  ASSERT_TRUE(CopyRegistryTree(registry, Hive::kLocalMachine, "A", Hive::kCurrentUser, "X\\Y").ok());
-  EXPECT_THAT(
-      registry.Dump(Hive::kCurrentUser, "X"),
-      ElementsAre("[X]", "[X\\Y]", "@=\"default\"", "[X\\Y\\B]", "[X\\Y\\B\\C]", "\"v\"=dword:00000007"));
-  EXPECT_TRUE(DeleteRegistryTree(registry, Hive::kCurrentUser, "X").ok());
-  EXPECT_FALSE(registry.HasKey(Hive::kCurrentUser, "X"));
-  EXPECT_EQ(DeleteRegistryTree(registry, Hive::kCurrentUser, "X").number(), kErrorFileNotFound);
 }
 
 }  // namespace

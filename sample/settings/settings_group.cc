@@ -4,8 +4,8 @@
 #include <cstdio>
 
 #include "base/text.h"
+#include "platform/registry_trees.h"
 #include "sample/settings/cipher.h"
-#include "sample/settings/registry_trees.h"
 
 namespace kw::sample {
 
@@ -132,7 +132,7 @@ Status SettingsStore::CopyPassword(const SettingsGroup& group) {
 Status SettingsStore::Flush(const SettingsGroup& group) {
   KW_RETURN_IF_ERROR(CopyPassword(group));
   if (!Exists(Hive::kLocalMachine, Live(group))) return {};
-  return CopyRegistryTree(registry_, Hive::kLocalMachine, Live(group), Hive::kCurrentUser, Staged(group));
+  return platform::CopyTree(registry_, Hive::kLocalMachine, Live(group), Hive::kCurrentUser, Staged(group));
 }
 
 Status SettingsStore::LeaveEmptyKeys(const SettingsGroup& group) {

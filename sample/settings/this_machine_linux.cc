@@ -5,8 +5,8 @@
 #include "base/storage.h"
 #include "base/text.h"
 #include "platform/embedded/registry.h"
+#include "platform/registry_trees.h"
 #include "platform/shared/library_abi.h"
-#include "sample/settings/registry_trees.h"
 #include "sample/settings/this_machine.h"
 
 namespace kw::sample {
@@ -29,9 +29,9 @@ int CopyIntoOpenKey(platform::Registry& registry, platform::Hive root, const std
   if (key == nullptr) return kErrorInvalidHandle;
   const bool machine = key->root == KITWRIGHT_HKEY_LOCAL_MACHINE;
   if (!machine && key->root != KITWRIGHT_HKEY_CURRENT_USER) return kErrorInvalidHandle;
-  return CopyRegistryTree(registry, root, subkey,
-                          machine ? platform::Hive::kLocalMachine : platform::Hive::kCurrentUser,
-                          Utf16ToUtf8(key->path))
+  return platform::CopyTree(registry, root, subkey,
+                            machine ? platform::Hive::kLocalMachine : platform::Hive::kCurrentUser,
+                            Utf16ToUtf8(key->path))
       .number();
 }
 

@@ -12,7 +12,7 @@ Driver::Driver(std::istream& script, std::ostream& out)
 
 void Driver::Attach(platform::Services& services) {
   recorded_processes_.emplace(*services.processes, run_.transcript());
-  processes_.emplace(*recorded_processes_);
+  processes_.emplace(*recorded_processes_, *services.files);
   libraries_.emplace(*services.libraries, run_.transcript());
   services.processes = &*processes_;
   services.libraries = &*libraries_;

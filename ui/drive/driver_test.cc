@@ -65,6 +65,7 @@ class DriverTest : public ::testing::Test {
     std::ostringstream out;
     Driver driver(in, out);
     platform::Services services;
+    services.files = &files;
     services.processes = &processes;
     services.libraries = &libraries;
     driver.Attach(services);
@@ -560,6 +561,32 @@ TEST_F(DriverTest, MeanwhileRunsOnceDuringTheNextChildHoweverQuickItIs) {
   Run("meanwhile say during\nmeanwhile say again\nsay before\nclick frmOne.Next\n");
   EXPECT_THAT(lines, ElementsAre("page frmOne", "say before", "say during", "say again",
                                  "run[hidden] first -> 0", "run[hidden] second -> 0"));
+}
+
+TEST_F(DriverTest, AToolBeginsBehindMeanwhileWhereItWasStarted) {
+  files.AddFolder("C:\\Tools");
+  files.AddFolder("C:\\Elsewhere");
+  set_up = [this] {
+    one->next.on_click = [this] {
+      EXPECT_TRUE(files.SetCurrentFolder("C:\\Tools").ok());
+      EXPECT_EQ(RunTool("tool"), 0);
+    };
+    one->cancel.on_click = [this] {
+      EXPECT_TRUE(processes.commands.empty());
+      EXPECT_TRUE(files.SetCurrentFolder("C:\\Elsewhere").ok());
+    };
+  };
+  Run("meanwhile click frmOne.Cancel\nclick frmOne.Next\n");
+  ASSERT_EQ(processes.commands.size(), 1u);
+  EXPECT_EQ(processes.commands[0].current_folder, "C:\\Tools");
+  EXPECT_EQ(files.CurrentFolder(), "C:\\Elsewhere");
+}
+
+TEST_F(DriverTest, AToolThatDoesNotBeginBehindMeanwhileEndsTheWait) {
+  processes.On("tool", platform::testing::FakeProcesses::Script{0, 0, kErrorFileNotFound, {}, {}});
+  set_up = [this] { one->next.on_click = [this] { EXPECT_EQ(RunTool("tool"), -1); }; };
+  Run("meanwhile say during\nclick frmOne.Next\n");
+  EXPECT_THAT(lines, ElementsAre("page frmOne", "say during"));
 }
 
 TEST_F(DriverTest, MeanwhileCommandLeavesTheAnswersOfTheCommandItInterrupts) {

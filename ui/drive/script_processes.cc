@@ -12,17 +12,37 @@ class ScriptProcesses::Child : public platform::Process {
       : inner_(std::move(inner)), owner_(owner) {
     ++owner_.running_;
   }
+  /// One that begins once "meanwhile" is over.
+  Child(std::string command_line, platform::WindowStyle style, ScriptProcesses& owner)
+      : owner_(owner),
+        command_line_(std::move(command_line)),
+        style_(style),
+        folder_(owner.files_.CurrentFolder()) {
+    ++owner_.running_;
+  }
   ~Child() override { SetEnded(); }
 
   int ExitCode() override {
     if (!ended_ && !owner_.meanwhile_.empty()) return platform::kStillActive;
-    const int code = inner_->ExitCode();
+    if (!inner_ && !ended_) Begin();
+    const int code = inner_ ? inner_->ExitCode() : kNotStarted;
     if (code != platform::kStillActive) SetEnded();
     return code;
   }
-  std::string ForegroundWindowTitle() override { return inner_->ForegroundWindowTitle(); }
+  std::string ForegroundWindowTitle() override { return inner_ ? inner_->ForegroundWindowTitle() : ""; }
 
  private:
+  /// What a wait gives for a program that does not start.
+  static constexpr int kNotStarted = -1;
+
+  /// Starts it from where it was to start, wherever "meanwhile" has gone.
+  void Begin() {
+    const std::string present = owner_.files_.CurrentFolder();
+    owner_.files_.SetCurrentFolder(folder_).IgnoreError();
+    auto started = owner_.inner_.Start(command_line_, style_);
+    owner_.files_.SetCurrentFolder(present).IgnoreError();
+    if (started.ok()) inner_ = std::move(*started);
+  }
   void SetEnded() {
     if (!ended_) --owner_.running_;
     ended_ = true;
@@ -30,6 +50,9 @@ class ScriptProcesses::Child : public platform::Process {
 
   std::unique_ptr<platform::Process> inner_;
   ScriptProcesses& owner_;
+  std::string command_line_;
+  platform::WindowStyle style_ = platform::WindowStyle::kHidden;
+  std::string folder_;
   bool ended_ = false;
 };
 
@@ -43,6 +66,9 @@ void ScriptProcesses::EventTurn() {
 
 Result<std::unique_ptr<platform::Process>> ScriptProcesses::Start(const std::string& command_line,
                                                                   platform::WindowStyle style) {
+  if (!meanwhile_.empty()) {
+    return std::unique_ptr<platform::Process>(std::make_unique<Child>(command_line, style, *this));
+  }
   KW_ASSIGN_OR_RETURN(std::unique_ptr<platform::Process> inner, inner_.Start(command_line, style));
   return std::unique_ptr<platform::Process>(std::make_unique<Child>(std::move(inner), *this));
 }

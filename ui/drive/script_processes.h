@@ -6,17 +6,19 @@
 #include <memory>
 #include <string>
 
+#include "platform/file_system.h"
 #include "platform/processes.h"
 
 namespace kw::ui::drive {
 
 /// Child processes during which the script goes on: what is queued for "meanwhile" runs at the first event
-/// turn of the next wait for a child. Until then a child counts as running, so that a quick one does not pass
-/// the script by.
+/// turn of the next wait for a child. The child counts as running from its start, but does nothing until
+/// then: what comes first would otherwise be chance.
 class ScriptProcesses : public platform::Processes {
  public:
-  /// `inner` outlives this object, and this object every process that it started.
-  explicit ScriptProcesses(platform::Processes& inner) : inner_(inner) {}
+  /// Processes take their current folder from `files`. Both outlive this object, and this object every
+  /// process that it started.
+  ScriptProcesses(platform::Processes& inner, platform::FileSystem& files) : inner_(inner), files_(files) {}
 
   void QueueMeanwhile(std::function<void()> command) { meanwhile_.push_back(std::move(command)); }
   /// An event turn: runs what is queued if a child is waited for, and gives the child a moment.
@@ -31,6 +33,7 @@ class ScriptProcesses : public platform::Processes {
   class Child;
 
   platform::Processes& inner_;
+  platform::FileSystem& files_;
   std::deque<std::function<void()>> meanwhile_;
   int running_ = 0;
 };

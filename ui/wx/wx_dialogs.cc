@@ -45,6 +45,7 @@ Answer ClosingAnswer(const std::vector<Answer>& buttons) {
 }
 
 void ShowBox(WxHost& host, const std::string& text, long icon) {
+  if (host.Ended()) return;
   host.Flush();
   wxMessageDialog box(host.BoxParent(), ToWxLines(text), platform::kProgramTitle, wxOK | wxCENTRE | icon);
   box.SetOKLabel(Caption(Answer::kOk));
@@ -75,6 +76,7 @@ Answer WxDialogs::Question(const std::string& text, const std::vector<Answer>& b
   // Two buttons: the first one agrees, the second one is what closing the box means.
   const Answer agree = buttons.empty() ? Answer::kOk : buttons.front();
   const Answer closing = ClosingAnswer(buttons);
+  if (host_.Ended()) return closing;
   const bool yes_no = closing == Answer::kNo;
   long style = wxCENTRE | wxICON_NONE | (yes_no ? wxYES_NO : wxOK | wxCANCEL);
   if (default_button == closing) style |= yes_no ? wxNO_DEFAULT : wxCANCEL_DEFAULT;

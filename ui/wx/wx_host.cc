@@ -313,7 +313,11 @@ void WxHost::Refresh(Form& form) {
 }
 
 void WxHost::PumpEvents() {
-  if (ended_) return;
+  if (ended_) {
+    // A handler may still wait for another program; it is not to use up a processor.
+    wxMilliSleep(kTurnMilliseconds);
+    return;
+  }
   Flush();
   wxEventLoopBase* loop = wxEventLoopBase::GetActive();
   if (!loop) {
