@@ -47,7 +47,9 @@ Result<std::u16string> EncodeStreamName(std::string_view name, bool is_table) {
       }
     }
   }
-  if (wide.empty() || stored.size() > kMaxStoredName || stored.find(u'\0') != std::u16string::npos) {
+  if (stored.size() > kMaxStoredName)
+    return {kErrorInvalidName, "The name \"" + std::string(name) + "\" is too long for a stream."};
+  if (wide.empty() || stored.find(u'\0') != std::u16string::npos) {
     return {kErrorInvalidName, "The name \"" + std::string(name) + "\" cannot be the name of a stream."};
   }
   return stored;

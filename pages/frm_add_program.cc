@@ -3,7 +3,6 @@
 #include "base/text.h"
 #include "package/file_rules.h"
 #include "pages/frm_programs.h"
-#include "pages/grid_rules.h"
 
 namespace kw {
 namespace {

@@ -5,7 +5,6 @@
 
 #include "package/file_rules.h"
 #include "pages/frm_additional_files.h"
-#include "pages/grid_rules.h"
 
 namespace kw {
 namespace {
@@ -186,7 +185,11 @@ void frmAdditionalFile::OnOk() {
     SourceFile.SelectField();
     return;
   }
-  if (!Check(WriteRows(*file))) return;
+  if (const Status written = WriteRows(*file); !written.ok()) {
+    Check({written.number(), "Unable to put the file " + SourceFile.Text() +
+                                 " into the installation package.  " + written.message()});
+    return;
+  }
   Hide();
   FillGridRow();
   ClearFields();
@@ -217,6 +220,9 @@ Status frmAdditionalFile::WriteRows(const File& file) {
 Result<std::string> frmAdditionalFile::WriteDirectories() {
   const int selected = DestinationFolder.Selected();
   if (selected < 0) return {kErrorInvalidParameter, "No destination folder is selected."};
+  std::string rest = SubFolders.Text();
+  if (rest.starts_with('\\') || rest.find("\\\\") != std::string::npos)
+    return {kErrorInvalidName, "The subfolders \"" + rest + "\" hold one without a name."};
   std::string& internal_name = internal_names_[static_cast<size_t>(selected)];
   if (internal_name == kDrive) {
     KW_ASSIGN_OR_RETURN(const std::string id, AddDirectory("TARGETDIR", "."));
@@ -225,7 +231,6 @@ Result<std::string> frmAdditionalFile::WriteDirectories() {
     internal_name = id;
   }
   std::string directory = internal_name;
-  std::string rest = SubFolders.Text();
   while (!rest.empty()) {
     KW_ASSIGN_OR_RETURN(directory, AddDirectory(directory, TakeFirstPathPart(rest)));
   }

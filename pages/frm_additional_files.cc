@@ -8,44 +8,18 @@
 #include "package/file_rules.h"
 #include "pages/cabinet_rebuild.h"
 #include "pages/frm_additional_file.h"
-#include "pages/grid_rules.h"
 
 namespace kw {
 namespace {
-
-using platform::Answer;
 
 constexpr const char* kOwnKeyPrefix = "_id_";
 
 }  // namespace
 
 frmAdditionalFiles::frmAdditionalFiles(PageContext& context)
-    : WizardPage(context, kName, "Additional Files", "Label1",
-                 "Specify additional files to include in the installation package.", 1023),
-      Grid(*this, "Grid"),
-      NewButton(*this, "NewButton", "&Add..."),
-      EditButton(*this, "EditButton", "&Edit..."),
-      DeleteButton(*this, "DeleteButton", "&Delete..."),
-      db_(InstallerDb::Working(context.services, context.run)) {
-  NewButton.on_click = [this] { OnNew(); };
-  EditButton.on_click = [this] { OnEdit(); };
-  DeleteButton.on_click = [this] { OnDelete(); };
-  Grid.on_click = [this] { AdjustControls(); };
-  Grid.on_double_click = [this] {
-    if (EditButton.UserCanUse()) OnEdit();
-  };
-  Grid.on_insert_key = [this] { OnNew(); };
-  Grid.on_delete_key = [this] {
-    if (DeleteButton.UserCanUse()) OnDelete();
-  };
-  AddButtons();
-}
-
-ui::Layout frmAdditionalFiles::PageLayout() {
-  return ui::Column({ui::Place(Grid, 1), ui::Row({ui::Space(), ui::Place(NewButton), ui::Place(EditButton),
-                                                  ui::Place(DeleteButton)})},
-                    1);
-}
+    : GridPage(context, kName, "Additional Files",
+               "Specify additional files to include in the installation package.", 1023),
+      db_(InstallerDb::Working(context.services, context.run)) {}
 
 void frmAdditionalFiles::LoadPage() {
   Grid.SetColumns({"", "Source File", "Destination Folder", "Subfolders", "", ""}, {0, 5, 3, 3, 0, 0});
@@ -54,7 +28,7 @@ void frmAdditionalFiles::LoadPage() {
 
 void frmAdditionalFiles::ReadConfig() {
   EnsureLoaded();
-  EmptyGrid(Grid);
+  EmptyGrid();
   Check(ReadFiles());
   AdjustControls();
 }
@@ -135,13 +109,6 @@ Status frmAdditionalFiles::DeleteFileRows(const std::string& key) {
   return db_.RunSql("delete from `FeatureComponents` where `Component_` = ?", {key});
 }
 
-void frmAdditionalFiles::AdjustControls() {
-  LeaveBlankRow(Grid);
-  const bool empty = Grid.Rows() == 2 && Grid.Cell(Grid.SelectedRow(), kSourceFile).empty();
-  EditButton.SetEnabled(!empty);
-  DeleteButton.SetEnabled(!empty);
-}
-
 void frmAdditionalFiles::OnNew() {
   Grid.SelectRow(Grid.Rows() - 1);
   frmAdditionalFile& dialog = navigator_.Get<frmAdditionalFile>();
@@ -181,17 +148,11 @@ void frmAdditionalFiles::OnEdit() {
 void frmAdditionalFiles::OnDelete() {
   const int row = Grid.SelectedRow();
   if (Grid.Cell(row, kRealFile).empty()) return;
-  const Answer answer = services_.dialogs->Question(
-      "This item will be deleted:\n\n  Source File: " + Grid.Cell(row, kSourceFile) +
-          "\n  Destination Folder: " + Grid.Cell(row, kDestinationFolder) +
-          "\n  Subfolders: " + Grid.Cell(row, kSubfolders),
-      {Answer::kOk, Answer::kCancel}, Answer::kOk, "");
-  if (answer != Answer::kOk || !Check(DeleteFileRows(Grid.Cell(row, kKey)))) return;
-  if (Grid.Rows() >= 3) {
-    Grid.RemoveRow(row);
-  } else {
-    Grid.ClearRow(row);
-  }
+  const bool wanted = ConfirmDelete("  Source File: " + Grid.Cell(row, kSourceFile) +
+                                    "\n  Destination Folder: " + Grid.Cell(row, kDestinationFolder) +
+                                    "\n  Subfolders: " + Grid.Cell(row, kSubfolders));
+  if (!wanted || !Check(DeleteFileRows(Grid.Cell(row, kKey)))) return;
+  RemoveSelectedRow();
   AdjustControls();
 }
 

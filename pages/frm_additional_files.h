@@ -5,13 +5,13 @@
 #include <string>
 
 #include "package/installer_db.h"
-#include "shell/page_contract.h"
+#include "pages/grid_page.h"
 
 namespace kw {
 
 /// Extra files that the package installs. A file's rows are written when its dialog ends; the bytes go into
 /// the cabinet at the build.
-class frmAdditionalFiles : public WizardPage {
+class frmAdditionalFiles : public GridPage {
  public:
   static constexpr const char* kName = "frmAdditionalFiles";
   /// The grid's columns behind the fixed one.
@@ -21,7 +21,6 @@ class frmAdditionalFiles : public WizardPage {
 
   void ReadConfig() override;
   void AddChoices(ui::ListBox& list) override;
-  void AdjustControls();
   /// Puts the files where the cabinet maker finds them, lets them replace the product's own files of the same
   /// name and place, and rebuilds the cabinets. True on success.
   bool CreateCabFile();
@@ -31,14 +30,11 @@ class frmAdditionalFiles : public WizardPage {
   /// The highest Sequence used.
   int LastSequence = 0;
 
-  ui::Grid Grid;
-  ui::Button NewButton;
-  ui::Button EditButton;
-  ui::Button DeleteButton;
-
  protected:
-  ui::Layout PageLayout() override;
   void LoadPage() override;
+  void OnNew() override;
+  void OnEdit() override;
+  void OnDelete() override;
 
  private:
   /// Where an added file goes, in the dialog's words.
@@ -47,10 +43,7 @@ class frmAdditionalFiles : public WizardPage {
     std::string subfolders;
   };
 
-  void OnNew();
   std::string UnusedFileKey();
-  void OnEdit();
-  void OnDelete();
   Status ReadFiles();
   Status ReadFile(const std::string& key, const std::string& component);
   Result<Place> FindPlace(std::string directory);

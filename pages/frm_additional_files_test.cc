@@ -100,6 +100,151 @@ TEST_F(AdditionalFilesTest, ASizeAboveSixteenBitsStaysZero) {
   EXPECT_THAT(Rows("select `FileSize` from `File` where `File` = ?", {Key(1)}), ElementsAre("0"));
 }
 
+TEST_F(AdditionalFilesTest, TheLargestSizeOfSixteenBitsIsKept) {
+  machine.files.AddFile("C:\\Files\\edge.bin", std::string(32767, 'x'));
+  machine.files.AddFile("C:\\Files\\over.bin", std::string(32768, 'x'));
+  Open();
+  Add("C:\\Files\\edge.bin");
+  Add("C:\\Files\\over.bin");
+  EXPECT_THAT(Rows("select `FileSize` from `File` where `File` = ?", {Key(1)}), ElementsAre("32767"));
+  EXPECT_THAT(Rows("select `FileSize` from `File` where `File` = ?", {Key(2)}), ElementsAre("0"));
+}
+
+TEST_F(AdditionalFilesTest, NumbersGoOnFromTheHighestOfTheMedia) {
+  Sql("insert into `Media` (`DiskId`, `LastSequence`) values (2, 40)");
+  Sql("insert into `Media` (`DiskId`, `LastSequence`) values (3, 7)");
+  Open();
+  EXPECT_EQ(page().LastSequence, 40);
+  Add("C:\\Files\\notes.txt");
+  EXPECT_THAT(Rows("select `Sequence` from `File` where `File` = ?", {Key(1)}), ElementsAre("41"));
+}
+
+TEST_F(AdditionalFilesTest, TheHiddenColumnsAreTheKeyAndTheRealFile) {
+  Open();
+  EXPECT_THAT(page().Grid.Widths(), ElementsAre(0, 5, 3, 3, 0, 0));
+}
+
+TEST_F(AdditionalFilesTest, AFolderBesideTheInstallFolderIsFoundAgain) {
+  Open();
+  Add("C:\\Files\\notes.txt", "Windows");
+  Add("C:\\Files\\big.bin", "Windows", "a\\b\\c");
+  ReadBack();
+  EXPECT_THAT(GridRows(),
+              ElementsAre("[IN_PACKAGE]notes.txt|Windows|", "[IN_PACKAGE]big.bin|Windows|a\\b\\c", "||"));
+}
+
+TEST_F(AdditionalFilesTest, AFileWhoseFolderIsUnknownComesBackWithoutADestination) {
+  Open();
+  Add("C:\\Files\\notes.txt", "Windows");
+  const std::string key = Key(1);
+  Sql("update `Component` set `Directory_` = 'nowhere' where `Component` = ?", {key});
+  ReadBack();
+  EXPECT_THAT(GridRows(), ElementsAre("[IN_PACKAGE]notes.txt||", "||"));
+}
+
+TEST_F(AdditionalFilesTest, ADriveIsMadeAnewAfterThePackageIsOpenedAgain) {
+  Open();
+  Add("C:\\Files\\notes.txt", "C:");
+  ReadBack();
+  table.ReloadPages();
+  Open();
+  EXPECT_THAT(GridRows(), ElementsAre("[IN_PACKAGE]notes.txt|C:|", "||"));
+  Add("C:\\Files\\big.bin", "C:");
+  EXPECT_EQ(Rows("select `Property` from `Property` where `Value` = 'C:\\'").size(), 2u);
+}
+
+TEST_F(AdditionalFilesTest, AnotherFileInAnEntryKeepsTheNumberOfItsKey) {
+  Open();
+  Add("C:\\Files\\notes.txt", "Windows", "a");
+  Add("C:\\Files\\big.bin");
+  const std::string old_key = Key(1);
+  page().Grid.UserPick(1);
+  // No question about duplicates: that test is for new entries.
+  Fill("C:\\Files\\big.bin", "Product Install", "");
+  page().EditButton.UserClick();
+  EXPECT_THAT(GridRows(), ElementsAre("C:\\Files\\big.bin|Product Install|",
+                                      "C:\\Files\\big.bin|Product Install|", "||"));
+  EXPECT_EQ(Key(1), old_key.substr(0, old_key.rfind('_')) + "_big.bin");
+  EXPECT_THAT(Rows("select `File` from `File` where `File` = ?", {old_key}), IsEmpty());
+  EXPECT_THAT(Rows("select `Component_` from `FeatureComponents` where `Component_` = ?", {old_key}),
+              IsEmpty());
+}
+
+TEST_F(AdditionalFilesTest, TheInputOfAnInPackageFileIsNotChecked) {
+  Open();
+  Add("C:\\Files\\notes.txt");
+  ReadBack();
+  page().Grid.UserPick(1);
+  Fill("", "Windows", "a*b");
+  page().EditButton.UserClick();
+  EXPECT_THAT(GridRows(), ElementsAre("[IN_PACKAGE]notes.txt|Windows|a*b", "||"));
+}
+
+TEST_F(AdditionalFilesTest, ASubfolderWithoutANameIsToldBeforeAnyRow) {
+  Open();
+  const size_t before = Rows("select `Directory` from `Directory`").size();
+  for (const char* subfolders : {"a\\\\b", "\\a"}) {
+    Add("C:\\Files\\notes.txt", "D:", subfolders);
+    EXPECT_THAT(Take(), Contains("message Unable to put the file C:\\Files\\notes.txt into the installation "
+                                 "package.  The subfolders \"" +
+                                 std::string(subfolders) + "\" hold one without a name."));
+  }
+  EXPECT_EQ(Rows("select `Directory` from `Directory`").size(), before);
+  EXPECT_THAT(Rows("select `Value` from `Property` where `Value` = 'D:\\'"), IsEmpty());
+  Add("C:\\Files\\notes.txt", "D:", "a\\b\\");
+  EXPECT_EQ(page().Grid.Rows(), 3);
+}
+
+TEST_F(AdditionalFilesTest, CancelChangesNothing) {
+  Open();
+  Add("C:\\Files\\notes.txt");
+  const auto rows = Rows("select `File` from `File`");
+  page().Grid.UserPick(1);
+  for (const bool by_title_bar : {false, true}) {
+    host.modals.push_back([this, by_title_bar](ui::Form&) {
+      dialog().SourceFile.UserType("C:\\Files\\big.bin");
+      if (by_title_bar)
+        dialog().UserClose();
+      else
+        dialog().cmdCancel.UserClick();
+    });
+    page().EditButton.UserClick();
+    EXPECT_EQ(dialog().SourceFile.Text(), "");
+  }
+  machine.dialogs.answers = {Answer::kCancel};
+  page().DeleteButton.UserClick();
+  EXPECT_THAT(GridRows(), ElementsAre("C:\\Files\\notes.txt|Product Install|", "||"));
+  EXPECT_EQ(Rows("select `File` from `File`"), rows);
+}
+
+TEST_F(AdditionalFilesTest, AfterCancelOfANewFileTheSelectionLeavesTheBlankRow) {
+  Open();
+  Add("C:\\Files\\notes.txt");
+  host.modals.push_back([this](ui::Form&) { dialog().cmdCancel.UserClick(); });
+  page().NewButton.UserClick();
+  EXPECT_EQ(page().Grid.SelectedRow(), 1);
+}
+
+TEST_F(AdditionalFilesTest, BrowseOffersAllFiles) {
+  Open();
+  host.modals.push_back([this](ui::Form&) {
+    machine.dialogs.files = {"C:\\Files\\notes.txt"};
+    dialog().Browse.UserClick();
+    EXPECT_EQ(dialog().SourceFile.Text(), "C:\\Files\\notes.txt");
+    dialog().cmdCancel.UserClick();
+  });
+  page().NewButton.UserClick();
+}
+
+TEST_F(AdditionalFilesTest, UnknownFoldersHaveTheFirstPositionAndNoName) {
+  Open();
+  EXPECT_EQ(dialog().GetDestinationFolderIndex("Nowhere"), 0);
+  EXPECT_EQ(dialog().GetDestinationFolderIndex("Temp"), 13);
+  EXPECT_EQ(dialog().GetDestinationFolderIndex("Z:"), 39);
+  EXPECT_EQ(dialog().GetDestinationFolderExternalName("Nowhere"), "");
+  EXPECT_EQ(dialog().GetDestinationFolderExternalName("PersonalFolder"), "Personal");
+}
+
 TEST_F(AdditionalFilesTest, ADriveMakesItsRowsOnceWhileTheDialogIsLoaded) {
   Open();
   Add("C:\\Files\\notes.txt", "C:");
@@ -251,6 +396,25 @@ TEST_F(AdditionalFilesTest, AFileOfTheSameNameAndPlaceReplacesTheProducts) {
   EXPECT_THAT(Rows("select `File` from `File` where `File` = 'main.exe'"), IsEmpty());
   EXPECT_EQ(machine.files.Content(run.CabDataFolder + "\\" + Key(1)), "new main");
   EXPECT_THAT(directives, HasSubstr("\"C:\\Temp\\run\\CabData\\" + Key(1) + "\" \"" + Key(1) + "\""));
+}
+
+TEST_F(AdditionalFilesTest, AProductsFileOfAShortAndALongNameIsAnotherName) {
+  Open();
+  Sql("update `File` set `FileName` = 'MAIN~1.EXE|main.exe' where `File` = 'main.exe'");
+  Add("C:\\Files\\main.exe");
+  EXPECT_TRUE(page().CreateCabFile());
+  EXPECT_THAT(Rows("select `File` from `File` where `File` = 'main.exe'"), ElementsAre("main.exe"));
+}
+
+TEST_F(AdditionalFilesTest, AnAddedFileInASubfolderOfTheLongNameReplacesTheProducts) {
+  Sql("insert into `Directory` (`Directory`, `Directory_Parent`, `DefaultDir`) values ('Deep', 'INSTALLDIR', "
+      "'DEEPFO~1|Deep Folder')");
+  Sql("update `Component` set `Directory_` = 'Deep' where `Component` = 'Main'");
+  Sql("update `File` set `FileName` = 'main.exe' where `File` = 'main.exe'");
+  Open();
+  Add("C:\\Files\\main.exe", "Product Install", "deep FOLDER");
+  EXPECT_TRUE(page().CreateCabFile());
+  EXPECT_THAT(Rows("select `File` from `File` where `File` = 'main.exe'"), IsEmpty());
 }
 
 TEST_F(AdditionalFilesTest, TheSameNameElsewhereReplacesNothing) {

@@ -192,6 +192,77 @@ TEST_F(FeaturesTest, WithoutAnInstallLevelDoNotInstallWraps) {
   EXPECT_THAT(Items(), Contains("Extras=Installed"));
 }
 
+TEST_F(FeaturesTest, TheInstallLevelIsCutToSixteenBits) {
+  Sql("update `Property` set `Value` = '65637' where `Property` = 'INSTALLLEVEL'");
+  Open();
+  Choose("Extras", "Do Not Install Feature");
+  EXPECT_EQ(Level("Extras"), "201");
+}
+
+TEST_F(FeaturesTest, InvisibleTwiceRestoresAlsoTheDisplayOfAFeatureThatTheSourceHides) {
+  SqlInSource("update `Feature` set `Display` = 0 where `Feature` = 'Extras'");
+  Reopen();
+  Open();
+  EXPECT_THAT(Items(), Contains("Extras=Installed"));
+  Choose("Extras", "Make Feature Invisible During Setup");
+  EXPECT_THAT(Items(), Contains("Extras <<Not Visible>>=Installed"));
+  Choose("Extras", "Make Feature Invisible During Setup");
+  EXPECT_EQ(Display("Extras"), "0");
+  EXPECT_THAT(Items(), Contains("Extras=Installed"));
+}
+
+TEST_F(FeaturesTest, SwitchingOffAParentLeavesThePagesOfItsSubFeatures) {
+  AddFeature("OnDemandScanner", "Extras", "On-demand", 1, 1);
+  Reopen();
+  Open();
+  Choose("Extras", "Do Not Install Feature");
+  EXPECT_EQ(Level("OnDemandScanner"), "200");
+  EXPECT_FALSE(IsGrey("Scheduled Scans"));
+}
+
+TEST_F(FeaturesTest, InstallFeatureAloneLeavesItsSubFeatures) {
+  Open();
+  Choose("OnAccessScanner", "Do Not Install Feature");
+  Choose("OnAccessScanner", "Install Feature");
+  EXPECT_EQ(Level("OnAccessScanner"), "100");
+  EXPECT_EQ(Level("ShellExtensions"), "200");
+  EXPECT_FALSE(IsGrey("On-Access Scanner"));
+}
+
+TEST_F(FeaturesTest, AKeyWithAQuoteBreaksTheStatementAndIsTold) {
+  Sql("insert into `Feature` (`Feature`, `Title`, `Display`, `Level`, `Attributes`) values (?, 'Odd', 99, 1, "
+      "0)",
+      {"O'Neill"});
+  Open();
+  EXPECT_THAT(machine.transcript.Lines(), Contains(::testing::StartsWith("message ")));
+  EXPECT_THAT(Items(), Contains("Extras=Installed"));
+  EXPECT_TRUE(page().Visible());
+}
+
+TEST_F(FeaturesTest, TheFixedTextsTellWhatAClickDoes) {
+  Open();
+  EXPECT_EQ(page().Title.Text(), "Features");
+  EXPECT_EQ(page().Description.Text(), "Click on a feature to:");
+  EXPECT_EQ(page().Label1.Text(), "Include or exclude it in the custom installation.");
+  EXPECT_EQ(page().Label2.Text(),
+            "Make the feature invisible to prevent it from being modified during setup.");
+}
+
+TEST_F(FeaturesTest, TheTreeAsksForAVisibleTopFeatureToo) {
+  Open();
+  Sql("update `Feature` set `Display` = 0 where `Feature_Parent` = ''");
+  ClickNode("frmFeatures", "Programs");
+  EXPECT_THAT(Take(), ElementsAre("message Please make at least one top feature visible."));
+}
+
+TEST_F(FeaturesTest, ARequiredTopFeatureCountsAsVisible) {
+  Open();
+  Sql("update `Feature` set `Display` = 0 where `Feature_Parent` = ''");
+  Sql("update `Feature` set `Display` = 1, `Title` = 'Required' where `Feature` = 'Extras'");
+  page().Next->UserClick();
+  EXPECT_THAT(Take(), Contains("page frmConfigSource"));
+}
+
 TEST_F(FeaturesTest, SwitchingOffTheShellExtensionsKeepsTheScheduledScans) {
   Open();
   Choose("ShellExtensions", "Install Feature");

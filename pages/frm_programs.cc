@@ -6,12 +6,9 @@
 #include "base/path.h"
 #include "package/file_rules.h"
 #include "pages/frm_add_program.h"
-#include "pages/grid_rules.h"
 
 namespace kw {
 namespace {
-
-using platform::Answer;
 
 constexpr const char* kBinaryPrefix = "id_RunFileBin_";
 constexpr const char* kActionPrefix = "id_RunFileCust_";
@@ -23,32 +20,9 @@ constexpr const char* kActionOfBinary = "select `Action`, `Target` from `CustomA
 }  // namespace
 
 frmPrograms::frmPrograms(PageContext& context)
-    : WizardPage(context, kName, "Programs", "Label1",
-                 "Specify programs to include in the installation package and run after installation.", 1020),
-      Grid(*this, "Grid"),
-      NewButton(*this, "NewButton", "&Add..."),
-      EditButton(*this, "EditButton", "&Edit..."),
-      DeleteButton(*this, "DeleteButton", "&Delete..."),
-      db_(InstallerDb::Working(context.services, context.run)) {
-  NewButton.on_click = [this] { OnNew(); };
-  EditButton.on_click = [this] { OnEdit(); };
-  DeleteButton.on_click = [this] { OnDelete(); };
-  Grid.on_click = [this] { AdjustControls(); };
-  Grid.on_double_click = [this] {
-    if (EditButton.UserCanUse()) OnEdit();
-  };
-  Grid.on_insert_key = [this] { OnNew(); };
-  Grid.on_delete_key = [this] {
-    if (DeleteButton.UserCanUse()) OnDelete();
-  };
-  AddButtons();
-}
-
-ui::Layout frmPrograms::PageLayout() {
-  using namespace ui;
-  return Column({Place(Grid, 1), Row({Space(), Place(NewButton), Place(EditButton), Place(DeleteButton)})},
-                1);
-}
+    : GridPage(context, kName, "Programs",
+               "Specify programs to include in the installation package and run after installation.", 1020),
+      db_(InstallerDb::Working(context.services, context.run)) {}
 
 void frmPrograms::LoadPage() {
   Grid.SetColumns({"", "Program pathname", "Command line arguments", ""}, {0, 1, 1, 0});
@@ -70,11 +44,9 @@ Status frmPrograms::ReadPrograms() {
     if (!name.starts_with(kBinaryPrefix)) continue;
     const std::string file = name.substr(name.rfind('_') + 1);
     const std::string folder = JoinPath(run_.TempFolder, MakeUniqueId(services_, run_));
-    KW_RETURN_IF_ERROR(services_.files->CreateFolder(folder));
     KW_ASSIGN_OR_RETURN(const auto action, db_.QuerySql(kActionOfBinary, {name}));
     const std::string path = JoinPath(folder, file);
-    const auto extracted = db_.ExtractBinary(name, path);
-    if (extracted.value_or(false)) {
+    if (Extract(name, folder, file)) {
       Grid.InsertRow(1);
       // After a failed extraction the count is ahead of the rows, and the program lands one row too high.
       const int row = Grid.Rows() - n - 1;
@@ -94,11 +66,15 @@ Status frmPrograms::ReadPrograms() {
   return {};
 }
 
-void frmPrograms::AdjustControls() {
-  LeaveBlankRow(Grid);
-  const bool empty = Grid.Cell(Grid.SelectedRow(), kArguments).empty() && Grid.Rows() == 2;
-  EditButton.SetEnabled(!empty);
-  DeleteButton.SetEnabled(!empty);
+// False when the program cannot be had; then nothing of it takes up room.
+bool frmPrograms::Extract(const std::string& name, const std::string& folder, const std::string& file) {
+  // A package may come from anywhere, and its names must not lead out of the folder.
+  if (file.find_first_of("\\/:") != std::string::npos || !services_.files->CreateFolder(folder).ok())
+    return false;
+  if (db_.ExtractBinary(name, JoinPath(folder, file)).value_or(false)) return true;
+  // What resists goes with the temp folder at the end of the run.
+  services_.files->DeleteFolder(folder, true).IgnoreError();
+  return false;
 }
 
 void frmPrograms::OnNew() {
@@ -119,6 +95,8 @@ void frmPrograms::OnNew() {
 }
 
 void frmPrograms::OnEdit() {
+  // Cancel of a new program leaves the blank row selected, and what is put there is never written.
+  AdjustControls();
   const int row = Grid.SelectedRow();
   frmAddProgram& dialog = navigator_.Get<frmAddProgram>();
   dialog.InPackage = Grid.Cell(row, kPathname).starts_with(kInPackage);
@@ -133,17 +111,10 @@ void frmPrograms::OnEdit() {
 void frmPrograms::OnDelete() {
   const int row = Grid.SelectedRow();
   if (Grid.Cell(row, kRealFile).empty()) return;
-  const Answer answer =
-      services_.dialogs->Question("This item will be deleted:\n\n  Program: " + Grid.Cell(row, kPathname) +
-                                      "\n  Command line options: " + Grid.Cell(row, kArguments),
-                                  {Answer::kOk, Answer::kCancel}, Answer::kOk, "");
-  if (answer != Answer::kOk) return;
-  if (Grid.Rows() >= 3) {
-    Grid.RemoveRow(row);
-    Grid.SelectRow(row);
-  } else {
-    Grid.ClearRow(row);
-  }
+  if (!ConfirmDelete("  Program: " + Grid.Cell(row, kPathname) +
+                     "\n  Command line options: " + Grid.Cell(row, kArguments)))
+    return;
+  RemoveSelectedRow();
   AdjustControls();
 }
 
@@ -162,8 +133,8 @@ bool frmPrograms::AllFilesExist() {
   return true;
 }
 
-// Everything that can fail for one program's sake (a file that cannot be read, a name that breaks the
-// statement) fails here, before anything is written.
+// Everything that can fail for one program's sake (a file that cannot be read, a name that the package cannot
+// hold) fails here, before anything is written.
 Result<std::vector<frmPrograms::Program>> frmPrograms::PreparePrograms() {
   std::vector<Program> programs;
   for (int row = 1; row <= Grid.Rows() - 2; ++row) {
@@ -172,15 +143,25 @@ Result<std::vector<frmPrograms::Program>> frmPrograms::PreparePrograms() {
     const std::string tail = std::to_string(row) + "_" + FileNameOf(path);
     Program program{row, kBinaryPrefix + tail, kActionPrefix + tail, run_.Installer->CreateRecord(1),
                     nullptr};
-    KW_RETURN_IF_ERROR(services_.files->Open(path, platform::OpenHow::kReadExisting).status());
-    KW_RETURN_IF_ERROR(program.stream->SetStream(1, path));
-    KW_ASSIGN_OR_RETURN(program.insert_binary,
-                        run_.WorkingDatabase->OpenView("insert into `Binary` (`Data`, `Name`) values (?, '" +
-                                                       program.binary + "')"));
-    KW_RETURN_IF_ERROR(TryRows(row, FileNameOf(path)));
+    if (const Status prepared = Prepare(program, path); !prepared.ok())
+      return Error{prepared.number(), "Unable to put the program " + path +
+                                          " into the installation package.  " + prepared.message()};
     programs.push_back(std::move(program));
   }
   return programs;
+}
+
+Status frmPrograms::Prepare(Program& program, const std::string& path) {
+  // The name stands in the statement as it is.
+  if (program.binary.find('\'') != std::string::npos)
+    return {kErrorInvalidName, "The name of a program cannot hold an apostrophe.  Please rename the file."};
+  KW_RETURN_IF_ERROR(services_.files->Open(path, platform::OpenHow::kReadExisting).status());
+  KW_RETURN_IF_ERROR(program.stream->SetStream(1, path));
+  KW_RETURN_IF_ERROR(TryRows(program.row, FileNameOf(path)));
+  KW_ASSIGN_OR_RETURN(program.insert_binary,
+                      run_.WorkingDatabase->OpenView("insert into `Binary` (`Data`, `Name`) values (?, '" +
+                                                     program.binary + "')"));
+  return {};
 }
 
 // Rows for a program as they will be, but with the number 0, taken back at once: a name that is too long for
@@ -236,8 +217,7 @@ void frmPrograms::LeavePage(const std::string& name) {
   if (!*finalize) {
     services_.dialogs->Message(
         "InstallFinalize action is missing.  The installation package may be corrupted.  Please specify "
-        "another "
-        "source.");
+        "another source.");
     return;
   }
   for (const Program& program : *programs) {

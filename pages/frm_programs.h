@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "package/installer_db.h"
-#include "shell/page_contract.h"
+#include "pages/grid_page.h"
 
 namespace kw {
 
 /// The programs that the package carries inside itself and runs near the end of installation. The grid is the
 /// page's store; the database is written when the page is left forwards.
-class frmPrograms : public WizardPage {
+class frmPrograms : public GridPage {
  public:
   static constexpr const char* kName = "frmPrograms";
   /// The grid's columns behind the fixed one.
@@ -23,25 +23,18 @@ class frmPrograms : public WizardPage {
   /// Fills the grid from the working database; relies on a freshly loaded page.
   void ReadConfig() override;
   void AddChoices(ui::ListBox& list) override;
-  /// Keeps the selection off the blank row and sets the buttons.
-  void AdjustControls();
-
-  ui::Grid Grid;
-  ui::Button NewButton;
-  ui::Button EditButton;
-  ui::Button DeleteButton;
 
  protected:
-  ui::Layout PageLayout() override;
   void LoadPage() override;
   void LeavePage(const std::string& name) override;
   void OnBack() override;
+  void OnNew() override;
+  void OnEdit() override;
+  void OnDelete() override;
 
  private:
-  void OnNew();
-  void OnEdit();
-  void OnDelete();
   Status ReadPrograms();
+  bool Extract(const std::string& name, const std::string& folder, const std::string& file);
   bool AllFilesExist();
   /// A program of the grid, ready to be written.
   struct Program {
@@ -52,6 +45,7 @@ class frmPrograms : public WizardPage {
     std::unique_ptr<platform::View> insert_binary;
   };
   Result<std::vector<Program>> PreparePrograms();
+  Status Prepare(Program& program, const std::string& path);
   Status TryRows(int row, const std::string& file);
   Status DeleteOldRows();
   Status WriteProgram(const Program& program, int finalize_sequence);

@@ -54,6 +54,48 @@ TEST_F(AddRemoveOptionsTest, FieldsTravelAsProperties) {
   EXPECT_EQ(Property("ARPURLINFOABOUT"), "http://example.com");
 }
 
+TEST_F(AddRemoveOptionsTest, EveryFieldHasItsOwnProperty) {
+  Open();
+  const std::pair<ui::TextBox*, const char*> texts[] = {
+      {&page().Contact, "ARPCONTACT"},     {&page().Comments, "ARPCOMMENTS"},
+      {&page().About, "ARPURLINFOABOUT"},  {&page().UpdateInformation, "ARPURLUPDATEINFO"},
+      {&page().SupportURL, "ARPHELPLINK"}, {&page().SupportTelephone, "ARPHELPTELEPHONE"}};
+  for (const auto& [box, property] : texts) box->UserType(std::string("http://") + property);
+  for (ui::CheckBox* box : {&page().AllowRemove, &page().AllowModify, &page().ShowOnPanel}) box->UserClick();
+  page().Next->UserClick();
+  for (const auto& [box, property] : texts) {
+    EXPECT_EQ(Property(property), std::string("http://") + property);
+    box->SetText("");
+  }
+  for (const char* property : {"ARPNOREMOVE", "ARPNOMODIFY", "ARPSYSTEMCOMPONENT"})
+    EXPECT_EQ(Property(property), "1");
+  Open();
+  for (const auto& [box, property] : texts) EXPECT_EQ(box->Text(), std::string("http://") + property);
+  for (ui::CheckBox* box : {&page().AllowRemove, &page().AllowModify, &page().ShowOnPanel})
+    EXPECT_FALSE(box->Checked()) << box->Name();
+  EXPECT_FALSE(page().Contact.Enabled());
+  EXPECT_THAT(
+      Choices<frmAddRemoveOptions>(),
+      ElementsAre("\tAllow user to uninstall: No", "\tContact: http://ARPCONTACT",
+                  "\tHome page URL: http://ARPURLINFOABOUT", "\tTechnical Support URL: http://ARPHELPLINK",
+                  "\tComments: http://ARPCOMMENTS", "\tUpdate Information: http://ARPURLUPDATEINFO",
+                  "\tSupport Telephone: http://ARPHELPTELEPHONE", "\tAllow user to modify features: No",
+                  "\tShow in Control Panel: No", ""));
+}
+
+TEST_F(AddRemoveOptionsTest, TheQuestionOfTheThirdAddressKeepsThePageAndTheField) {
+  Open();
+  page().SupportURL.UserType("HTTP://example.com");
+  machine.dialogs.answers = {Answer::kCancel};
+  page().Finsh->UserClick();
+  EXPECT_THAT(Take(),
+              ElementsAre("question Technical Support URL HTTP://example.com<CR><LF>should be left blank, "
+                          "begin with \"http://\" or begin with \"https://\".<CR><LF><CR><LF>Click OK to "
+                          "use it anyway. [OK|Cancel] default=OK -> Cancel",
+                          "focus frmAddRemoveOptions.SupportURL"));
+  EXPECT_EQ(page().SupportURL.Text(), "HTTP://example.com");
+}
+
 TEST_F(AddRemoveOptionsTest, AnAddressWithoutItsPrefixIsAWarning) {
   Open();
   page().About.UserType("www.example.com");
@@ -145,6 +187,34 @@ TEST_F(InstallOptionsTest, ACustomFolderIsCheckedAndStored) {
                           "\tPreserve settings: No", ""));
 }
 
+TEST_F(InstallOptionsTest, ForbiddenSignsInTheFolderAreToldAndNothingIsWritten) {
+  Sql("insert into `Property` (`Property`, `Value`) values ('INSTALLDIR', 'D:\\Old')");
+  Open();
+  page().SilentInstall.UserClick();
+  page().InstallDirectory.UserType("D:\\a?b");
+  page().Next->UserClick();
+  EXPECT_THAT(Take(), ElementsAre(::testing::StartsWith("message Installation folder is not valid."),
+                                  "focus frmInstallOptions.InstallDirectory"));
+  EXPECT_EQ(Property("INSTALLDIR"), "D:\\Old");
+  EXPECT_THAT(Ini(), ::testing::Not(HasSubstr("bSilent")));
+}
+
+TEST_F(InstallOptionsTest, AFolderThatDoesNotExistHereIsTaken) {
+  Open();
+  page().SpecifyCustomDirectory.UserClick();
+  page().InstallDirectory.UserType("Q:\\Nowhere\\Kestrane");
+  page().Next->UserClick();
+  EXPECT_EQ(Property("INSTALLDIR"), "Q:\\Nowhere\\Kestrane");
+}
+
+TEST_F(InstallOptionsTest, AnIniFileThatCannotBeWrittenKeepsThePage) {
+  Open();
+  machine.files.FailAlways(testing::FileOperation::kWriteFile, run.WorkingSetupIniPath, kErrorDiskFull);
+  page().Next->UserClick();
+  EXPECT_THAT(Take(), ElementsAre(::testing::StartsWith("message ")));
+  EXPECT_TRUE(page().Visible());
+}
+
 TEST_F(InstallOptionsTest, TheDefaultFolderRemovesAnEarlierRow) {
   Sql("insert into `Property` (`Property`, `Value`) values ('INSTALLDIR', 'D:\\Old')");
   WriteIni("bSilent=1\r\n");
@@ -192,6 +262,37 @@ TEST_F(PostInstallOptionsTest, OnlyDefinedTicksASwitch) {
   EXPECT_EQ(Property("RUNAUTOUPDATE"), "");
   EXPECT_EQ(Property("RUNONDEMANDSCAN"), "");
   EXPECT_THAT(Ini(), HasSubstr("bRebootAlways=1\r\n"));
+}
+
+TEST_F(PostInstallOptionsTest, TheKeysOfTheIniFileAreReadBack) {
+  WriteIni("bRebootAlways=1\r\nszRebootMessage=Please wait\r\n");
+  Open();
+  EXPECT_TRUE(page().ForceReboot.Checked());
+  EXPECT_TRUE(page().DisplayMessage.Checked());
+  EXPECT_EQ(page().RebootMessage.Text(), "Please wait");
+  EXPECT_EQ(page().RebootMessage.Back(), ui::BackColor::kWindow);
+  page().ForceReboot.UserClick();
+  page().RebootMessage.UserType("");
+  page().Next->UserClick();
+  EXPECT_THAT(Ini(), HasSubstr("bRebootAlways=0\r\n"));
+  EXPECT_THAT(Ini(), HasSubstr("szRebootMessage=\r\n"));
+  page().ReadConfig();
+  EXPECT_FALSE(page().DisplayMessage.Checked());
+  EXPECT_FALSE(page().RebootMessage.Enabled());
+}
+
+TEST_F(PostInstallOptionsTest, AllThreeSwitchesAreStoredAsDefined) {
+  Open();
+  page().PerformScan.SetEnabled(true);
+  for (ui::CheckBox* box : {&page().StartKestrane, &page().PerformScan, &page().RunUpdate})
+    box->SetChecked(true);
+  page().Next->UserClick();
+  for (const char* property : {"ENABLEONACCESSSCANNER", "RUNONDEMANDSCAN", "RUNAUTOUPDATE"})
+    EXPECT_EQ(Property(property), "defined");
+  EXPECT_THAT(Choices<frmPostInstallOptions>(),
+              ElementsAre("\tForce reboot after install: No", "\tDisplay message if reboot required: No",
+                          "\tStart Kestrane Enterprise after installation: Yes", "\tPerform system scan: Yes",
+                          "\tRun update: Yes", ""));
 }
 
 TEST_F(PostInstallOptionsTest, AMessageThatIsOnlyUntickedIsStillStoredAndComesBackTicked) {
