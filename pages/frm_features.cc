@@ -49,7 +49,8 @@ frmFeatures::frmFeatures(PageContext& context)
 
 ui::Layout frmFeatures::PageLayout() {
   using namespace ui;
-  return Column({Fields({Place(Label3), Place(Label1), Place(Label4), Place(Label2)}), Place(treFeatures, 1)},
+  return Column({Column({Row({Place(Label3), Place(Label1, 1)}), Row({Place(Label4), Place(Label2, 1)})}),
+                 Place(treFeatures, 1)},
                 1);
 }
 

@@ -47,8 +47,8 @@ ui::Layout frmWelcome::ContentLayout() {
   parts.line2 = &Line2;
   parts.help = &Help;
   parts.buttons = {&Next, &Cancel};
-  return ui::WizardLayout(
-      parts, ui::Column({ui::Space(), ui::Place(ModifyPackage), ui::Place(GenerateSettings), ui::Space()}));
+  return ui::WizardLayout(parts,
+                          ui::Column({ui::Place(ModifyPackage), ui::Place(GenerateSettings), ui::Space()}));
 }
 
 void frmWelcome::OnLoad() {

@@ -2,6 +2,9 @@
 
 #include <wx/bitmap.h>
 #include <wx/icon.h>
+#include <wx/image.h>
+
+#include <algorithm>
 
 #include "resources/pictures.h"
 
@@ -27,9 +30,11 @@ wxIconBundle ProgramIcons() {
 wxBitmapBundle BlankBundle(wxSize size) {
   // Not quite transparent: Windows takes a picture without any opacity for one that has none to tell, and
   // paints it black.
-  return wxBitmapBundle::FromSVG(
-      R"(<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16"><rect width="16" height="16" fill="#fff" fill-opacity="0.01"/></svg>)",
-      size);
+  wxImage blank(size);
+  blank.Clear(0xff);
+  blank.SetAlpha();
+  std::fill_n(blank.GetAlpha(), size.x * size.y, static_cast<unsigned char>(1));
+  return wxBitmapBundle::FromBitmap(wxBitmap(blank));
 }
 
 }  // namespace kw::ui

@@ -62,6 +62,9 @@ class Caption {
     const wxString broken = WrapText(widget_, text_, widget_.GetSize().x - Sign());
     if (widget_.GetLabel() != broken) widget_.SetLabel(broken);
     Measure();
+    // No wider than its words, so that the sign of the focus frames these alone.
+    const wxSize best = widget_.GetBestSize();
+    if (best.x < widget_.GetSize().x) widget_.SetSize(best.x, widget_.GetSize().y);
     return widget_.GetMinSize().y != before;
   }
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "ui/wx/label_text.h"
+#include "ui/wx/list_side.h"
 
 namespace kw::ui {
 
@@ -22,7 +23,7 @@ constexpr int kIndent = 22;        // of what belongs to an option
 constexpr int kButtonWidth = 88;   // least width of a push button
 constexpr int kLeastLabel = 160;   // to which a label may be squeezed on a page
 constexpr int kBandHeight = 86;    // of the title band: title and two lines, so that pages look alike
-constexpr int kBandPicture = 130;  // at its right end, where the words stay away
+constexpr int kBandPicture = 190;  // at its right end, where the words stay away
 constexpr int kDialogLabel = 400;  // and in a dialog
 
 bool IsChoice(const Control& control) {
@@ -50,11 +51,16 @@ const Control* Outermost(const Layout& layout, bool last) {
   return Outermost(last ? layout.children.back() : layout.children.front(), last);
 }
 
+/// Lines that explain something stand apart; they name no control.
+bool IsParagraph(const Layout& layout) { return layout.kind == Layout::Kind::kColumn; }
+
 int GapBetween(const Layout& before, const Layout& after) {
   const Control* upper = Outermost(before, true);
   const Control* lower = Outermost(after, false);
   if (!upper || !lower) return kGap;
-  if (upper->Kind() == ControlKind::kLabel && NeedsName(*lower)) return kTightGap;
+  if (upper->Kind() == ControlKind::kLabel && NeedsName(*lower)) {
+    return IsParagraph(before) ? kGap : kTightGap;
+  }
   if (upper->Kind() == ControlKind::kLabel && lower->Kind() == ControlKind::kLabel) return kTightGap;
   if (IsChoice(*upper) && IsChoice(*lower)) return kOptionGap;
   if (IsChoice(*upper) && after.kind == Layout::Kind::kIndent) return kOptionGap;
@@ -82,6 +88,8 @@ const Layout* FormLayout::ScrolledPart() const {
 
 void FormLayout::Plan(const Layout& layout, Place place) {
   if (&layout == scrolled_part_) place.scrolled = true;
+  place.at_side =
+      scrolled_part_ && !place.scrolled && layout.control && layout.control->Kind() == ControlKind::kTree;
   if (layout.control) places_[layout.control] = place;
   if (layout.kind == Layout::Kind::kFrame || layout.kind == Layout::Kind::kBand) {
     place.container = layout.control;
@@ -92,7 +100,7 @@ void FormLayout::Plan(const Layout& layout, Place place) {
 void FormLayout::PlanLabels(const Layout& layout) {
   const Layout* before = nullptr;
   for (const Layout& child : layout.children) {
-    if (before && child.kind != Layout::Kind::kFrame) {
+    if (before && child.kind != Layout::Kind::kFrame && !IsParagraph(*before)) {
       const Control* named = Outermost(child, false);
       const Control* label = Outermost(*before, true);
       const bool labels = label && (label->Kind() == ControlKind::kLabel || IsChoice(*label));
@@ -105,6 +113,10 @@ void FormLayout::PlanLabels(const Layout& layout) {
 
 wxWindow* FormLayout::ParentOf(const Place& place) {
   if (place.container) return Ensure(*place.container)->Window();
+  if (place.at_side) {
+    if (!list_side_) list_side_ = new ListSide(panel_);
+    return list_side_;
+  }
   if (!place.scrolled) return panel_;
   if (!scroller_) {
     scroller_ =
@@ -152,6 +164,11 @@ void FormLayout::AddMiddle(const Layout& row, wxSizer& whole) {
   auto* middle = new wxBoxSizer(wxHORIZONTAL);
   for (const Layout& child : row.children) {
     if (&child != scrolled_part_) {
+      if (child.control && places_[child.control].at_side) {
+        list_side_->Hold(*views_[child.control]->Window());
+        middle->Add(list_side_, 0, wxEXPAND);
+        continue;
+      }
       Add(child, *middle, true, 0);
       middle->GetItem(middle->GetItemCount() - 1)->SetFlag(wxEXPAND);
       continue;
@@ -161,7 +178,7 @@ void FormLayout::AddMiddle(const Layout& row, wxSizer& whole) {
     Add(child, *inner, false, 0);
     inner->GetItem(static_cast<size_t>(0))->SetProportion(1);
     content->Add(inner, 1, wxEXPAND | wxALL, Dip(kMargin));
-    wxWindow* scroller = ParentOf({true, nullptr});
+    wxWindow* scroller = ParentOf({true, false, nullptr});
     scroller->SetSizer(content);
     middle->Add(scroller, 1, wxEXPAND);
   }

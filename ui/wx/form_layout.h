@@ -16,6 +16,8 @@ namespace kw::ui {
 
 /// Turns a form's layout into sizers. The widgets are made in the order of the form's controls, which gives
 /// the Tab order; the layout says inside what each of them stands.
+class ListSide;
+
 class FormLayout {
  public:
   using Maker = std::function<ControlView*(Control& control, wxWindow* parent)>;
@@ -32,6 +34,7 @@ class FormLayout {
   /// What a control stands inside: the panel, the scroller, or the widget of a container control.
   struct Place {
     bool scrolled = false;
+    bool at_side = false;  ///< beside the scrolled content of a page
     Control* container = nullptr;
   };
 
@@ -57,6 +60,7 @@ class FormLayout {
   wxPanel* panel_;
   Maker maker_;
   wxScrolledWindow* scroller_ = nullptr;
+  ListSide* list_side_ = nullptr;
   const Layout* scrolled_part_ = nullptr;
   std::map<const Control*, Place> places_;
   std::map<const Control*, ControlView*> views_;

@@ -18,7 +18,7 @@ namespace kw::ui {
 namespace {
 
 // The size of a page's panel that its least size is worked out for, at 100 %.
-constexpr int kUsualWidth = 860;
+constexpr int kUsualWidth = 880;
 constexpr int kUsualHeight = 690;
 // A page never asks for more of the screen's height than this share; beyond it its content scrolls.
 constexpr double kScreenShare = 0.6;

@@ -106,8 +106,18 @@ class GridView : public ControlView {
     }
   }
 
+  /// A grid that holds its blank row alone would look as if something stood in it.
+  bool ShowsSelection() const {
+    if (!grid_.Highlight() || grid_.Rows() < 2) return false;
+    if (grid_.Rows() > 2) return true;
+    for (const auto& [column, heading] : columns_) {
+      if (!grid_.Cell(1, column).empty()) return true;
+    }
+    return false;
+  }
+
   void ApplySelection() {
-    if (!grid_.Highlight() || grid_.Rows() < 2) {
+    if (!ShowsSelection()) {
       if (view_->GetSelection().IsOk()) view_->UnselectAll();
       return;
     }
@@ -125,7 +135,7 @@ class GridView : public ControlView {
       if (item.IsOk()) grid_.UserPick(static_cast<int>(model_->GetRow(item)) + 1);
     });
     // The widget selects the row that gets the focus.
-    if (!grid_.Highlight()) ApplySelection();
+    if (!ShowsSelection()) ApplySelection();
   }
 
   void Key(wxKeyEvent& event) {

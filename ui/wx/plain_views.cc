@@ -112,9 +112,10 @@ class ImageView : public ControlView {
     } else if (image.Text() == "WELCOME") {
       window_ = new PicturePanel(parent, PictureBundle(image.Text(), wxSize(200, 360)), kSideColour,
                                  PicturePanel::Anchor::kFoot);
-      window_->SetMinSize(window_->FromDIP(wxSize(200, 360)));
+      window_->SetMinSize(ScaledSize(*window_, wxSize(200, 360)));
     } else {
-      window_ = new wxStaticBitmap(parent, wxID_ANY, PictureBundle(image.Text(), wxSize(44, 44)));
+      window_ = new wxStaticBitmap(parent, wxID_ANY,
+                                   PictureBundle(image.Text(), ScaledSize(*parent, wxSize(44, 44))));
     }
   }
 

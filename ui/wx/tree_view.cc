@@ -6,6 +6,7 @@
 
 #include "ui/wx/art.h"
 #include "ui/wx/form_view.h"
+#include "ui/wx/label_text.h"
 #include "ui/wx/mouse_press.h"
 #include "ui/wx/wx_host.h"
 #include "ui/wx/wx_text.h"
@@ -44,13 +45,15 @@ class NodeModel : public wxDataViewModel {
   const TreeNode& Node(int index) const { return nodes_[static_cast<size_t>(index)]; }
   /// Keeps room for a sign before every caption.
   void KeepRoomForSigns() { with_signs_ = true; }
+  /// The edge of the signs, which grow with the letters beside them.
+  void SetSignEdge(int edge) { sign_edge_ = edge; }
   bool Flat() const {
     return std::all_of(nodes_.begin(), nodes_.end(), [](const TreeNode& node) { return node.parent < 0; });
   }
 
   void GetValue(wxVariant& value, const wxDataViewItem& item, unsigned) const override {
     const TreeNode& node = Node(IndexOf(item));
-    const wxSize edge(kSignEdge, kSignEdge);
+    const wxSize edge(sign_edge_, sign_edge_);
     wxBitmapBundle sign;
     if (!node.image.empty()) {
       sign = PictureBundle(node.image, edge);
@@ -99,6 +102,7 @@ class NodeModel : public wxDataViewModel {
  private:
   std::vector<TreeNode> nodes_;
   bool with_signs_ = false;
+  int sign_edge_ = kSignEdge;
 };
 
 class TreeView : public ControlView {
@@ -111,6 +115,8 @@ class TreeView : public ControlView {
                                  wxDV_NO_HEADER | wxDV_SINGLE | (pages_ ? wxBORDER_NONE : wxBORDER_THEME))),
         model_(new NodeModel) {
     if (pages_) model_->KeepRoomForSigns();
+    sign_edge_ = ScaledSize(*view_, wxSize(kSignEdge, kSignEdge)).x;
+    model_->SetSignEdge(sign_edge_);
     view_->AssociateModel(model_.get());
     column_ = view_->AppendIconTextColumn("", 0, wxDATAVIEW_CELL_INERT, wxCOL_WIDTH_AUTOSIZE);
     view_->SetMinSize(view_->FromDIP(wxSize(200, 120)));
@@ -180,7 +186,7 @@ class TreeView : public ControlView {
       view_->GetTextExtent(ToWx(model_->Node(i).text), &width, nullptr, nullptr, nullptr, &bold);
       widest = std::max(widest, width);
     }
-    const int room = widest + view_->FromDIP(kSignEdge + 44);
+    const int room = widest + sign_edge_ + view_->FromDIP(44);
     if (room <= view_->GetMinSize().x) return;
     view_->SetMinSize(wxSize(room, view_->GetMinSize().y));
     form_.NeedLayout();
@@ -207,7 +213,7 @@ class TreeView : public ControlView {
   void ClickFromKeyboard(const wxDataViewItem& item) {
     if (!item.IsOk()) return;
     const wxRect place = view_->GetItemRect(item, column_);
-    form_.Host().PlacePopup(view_->ClientToScreen(wxPoint(place.x + kSignEdge, place.GetBottom())));
+    form_.Host().PlacePopup(view_->ClientToScreen(wxPoint(place.x + sign_edge_, place.GetBottom())));
     Click(item, MouseButton::kLeft);
   }
 
@@ -233,6 +239,7 @@ class TreeView : public ControlView {
 
   Tree& tree_;
   bool pages_;
+  int sign_edge_ = kSignEdge;
   wxDataViewCtrl* view_;
   wxObjectDataPtr<NodeModel> model_;
   wxDataViewColumn* column_ = nullptr;

@@ -13,7 +13,7 @@ namespace kw::ui {
 namespace {
 
 // At 100 %.
-constexpr int kDefaultWidth = 860;
+constexpr int kDefaultWidth = 880;
 constexpr int kDefaultHeight = 690;
 
 }  // namespace

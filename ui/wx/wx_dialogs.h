@@ -33,8 +33,8 @@ class WxDialogs : public platform::Dialogs {
   std::string OpenFile(const std::string& title, const std::string& filter, const std::string& start_folder,
                        const std::string& start_name) override;
   std::string BrowseForFolder(const std::string& title, const std::string& start) override;
-  /// In the system's own viewer where there is one. Otherwise the book beside `help_file`, with the extension .htb,
-  /// opens in a window of the toolkit's.
+  /// In the system's own viewer where there is one. Otherwise the book beside `help_file`, with the extension
+  /// .htb, opens in a window of the toolkit's.
   Status ShowHelp(const std::string& help_file, int context_id) override;
 
  private:

@@ -25,7 +25,7 @@ namespace {
 // painted.
 constexpr unsigned long kTurnMilliseconds = 3;
 constexpr long kPaintMilliseconds = 120;
-constexpr int kDialogWidth = 520;  // of a new dialog's content
+constexpr int kDialogWidth = 600;  // of a new dialog's content
 
 void Forget(std::vector<Form*>& forms, const Form& form) {
   forms.erase(std::remove(forms.begin(), forms.end(), &form), forms.end());
