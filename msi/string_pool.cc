@@ -11,9 +11,16 @@ namespace kw::msi {
 namespace {
 
 constexpr uint32_t kLongReferences = 0x80000000;
-constexpr StringPool::Id kGone = 0xFFFFFFFF;
+constexpr uint32_t kGone = 0xFFFFFFFF;
+constexpr uint32_t kIdMask = 0x00FFFFFF;
+constexpr uint32_t kTagMask = 0xFF000000;
+constexpr uint32_t kMaxLength = 0x7FFFFFFF;  // more than a database may hold in all
 constexpr size_t kMaxShortLength = 0xFFFF;
 constexpr size_t kMaxIds = 0xFFFFFF;
+// So many texts are prepared at a time when the index is made: their places come from memory meanwhile.
+constexpr size_t kBatch = 32;
+// Entries of an index that the processor's nearest memory does not hold.
+constexpr size_t kBeyondCache = 65536;
 // The neutral code page is shown as Western European, which is what such files hold in practice; new text in
 // a neutral database must be ASCII.
 constexpr int kShownForNeutral = 1252;
@@ -37,6 +44,7 @@ uint32_t StringPool::Hash(std::string_view text) {
 }
 
 StringPool::~StringPool() {
+  if (own_texts_ == 0) return;
   for (const Entry& entry : entries_) {
     if (entry.own) delete[] entry.data;
   }
@@ -46,8 +54,9 @@ void StringPool::Keep(std::string_view text, Entry& entry) {
   char* data = new char[text.size() + 1];
   std::memcpy(data, text.data(), text.size());
   entry.data = data;
-  entry.length = static_cast<uint32_t>(text.size());
-  entry.own = true;
+  entry.length = static_cast<uint32_t>(text.size()) & kMaxLength;
+  entry.own = 1;
+  ++own_texts_;
 }
 
 std::vector<uint8_t> StringPool::ValidIds() const {
@@ -89,12 +98,12 @@ Status StringPool::Load(std::string_view pool, std::string data) {
       free_ids_.push_back(static_cast<Id>(entries_.size() - 1));
       continue;
     }
-    if (length > data_.size() - at) return Damaged("a text is cut short");
+    if (length > data_.size() - at || length > kMaxLength) return Damaged("a text is cut short");
     const std::string_view raw = std::string_view(data_).substr(at, length);
     at += length;
     if (ascii || IsAscii(raw) || (code_page_ == 65001 && IsValidUtf8(raw))) {
       entry.data = raw.data();
-      entry.length = static_cast<uint32_t>(length);
+      entry.length = static_cast<uint32_t>(length) & kMaxLength;
     } else {
       Keep(CodePageToUtf8(raw, code_page_ == 0 ? kShownForNeutral : code_page_), entry);
       raw_[static_cast<Id>(entries_.size() - 1)] = raw;
@@ -166,17 +175,29 @@ Status StringPool::SetCodePage(int code_page) {
 void StringPool::BuildIndex() {
   if (indexed_) return;
   indexed_ = true;
+  for (Entry& entry : entries_) {
+    if (entry.data != nullptr) entry.hash = Hash(entry.text());
+  }
+  RebuildIndex(0);
+}
+
+// Puts every text into a new index, but `without`.
+void StringPool::RebuildIndex(Id without) {
   size_t capacity = 64;
   while (capacity < entries_.size() * 2) capacity *= 2;
   index_.assign(capacity, 0);
   index_used_ = 0;
-  for (size_t id = 1; id < entries_.size(); ++id) {
-    Entry& entry = entries_[id];
-    if (entry.data == nullptr) continue;
-    entry.hash = Hash(entry.text());
-    Id other = 0;
-    if (!has_doubles_ && Find(entry.text(), &other)) has_doubles_ = true;
-    IndexInsert(static_cast<Id>(id));
+  const size_t mask = capacity - 1;
+  for (size_t first = 1; first < entries_.size(); first += kBatch) {
+    const size_t last = std::min(first + kBatch, entries_.size());
+    for (size_t id = first; id < last; ++id) __builtin_prefetch(&index_[entries_[id].hash & mask], 1);
+    for (size_t id = first; id < last; ++id) {
+      const Entry& entry = entries_[id];
+      if (entry.data == nullptr || id == without) continue;
+      Id other = 0;
+      if (!has_doubles_ && FindHashed(entry.text(), entry.hash, &other)) has_doubles_ = true;
+      IndexInsert(static_cast<Id>(id));
+    }
   }
 }
 
@@ -185,18 +206,26 @@ bool StringPool::Find(std::string_view text, Id* id) const {
     *id = 0;
     return true;
   }
-  const uint32_t hash = Hash(text);
+  return FindHashed(text, Hash(text), id);
+}
+
+bool StringPool::FindHashed(std::string_view text, uint32_t hash, Id* id) const {
   const size_t mask = index_.size() - 1;
   for (size_t slot = hash & mask; index_[slot] != 0; slot = (slot + 1) & mask) {
-    const Id candidate = index_[slot];
-    if (candidate == kGone) continue;
-    const Entry& entry = entries_[candidate];
+    const uint32_t found = index_[slot];
+    if (((found ^ hash) & kTagMask) != 0 || found == kGone) continue;
+    const Entry& entry = entries_[found & kIdMask];
     if (entry.hash == hash && entry.text() == text) {
-      *id = candidate;
+      *id = found & kIdMask;
       return true;
     }
   }
   return false;
+}
+
+void StringPool::Expect(std::string_view text) const {
+  if (index_.size() < kBeyondCache) return;
+  __builtin_prefetch(&index_[Hash(text) & (index_.size() - 1)]);
 }
 
 StringPool::Id StringPool::Canonical(Id id) const {
@@ -206,34 +235,40 @@ StringPool::Id StringPool::Canonical(Id id) const {
 }
 
 void StringPool::IndexInsert(Id id) {
-  if ((index_used_ + 1) * 4 > index_.size() * 3) {
-    size_t capacity = 64;
-    while (capacity < entries_.size() * 2) capacity *= 2;
-    index_.assign(capacity, 0);
-    index_used_ = 0;
-    for (size_t other = 1; other < entries_.size(); ++other) {
-      if (entries_[other].data != nullptr && other != id) IndexInsert(static_cast<Id>(other));
-    }
-  }
+  if ((index_used_ + 1) * 4 > index_.size() * 3) RebuildIndex(id);
   const size_t mask = index_.size() - 1;
-  size_t slot = entries_[id].hash & mask;
+  const uint32_t hash = entries_[id].hash;
+  size_t slot = hash & mask;
   while (index_[slot] != 0 && index_[slot] != kGone) slot = (slot + 1) & mask;
   if (index_[slot] == 0) ++index_used_;
-  index_[slot] = id;
+  index_[slot] = Slot(id, hash);
 }
 
 void StringPool::IndexErase(Id id) {
   const size_t mask = index_.size() - 1;
+  const uint32_t wanted = Slot(id, entries_[id].hash);
   for (size_t slot = entries_[id].hash & mask; index_[slot] != 0; slot = (slot + 1) & mask) {
-    if (index_[slot] != id) continue;
-    index_[slot] = kGone;
+    if (index_[slot] != wanted) continue;
+    if (index_[(slot + 1) & mask] != 0) {
+      index_[slot] = kGone;
+      return;
+    }
+    // Nothing was ever put behind it, so that no search has to pass here.
+    while (index_[slot] == wanted || index_[slot] == kGone) {
+      index_[slot] = 0;
+      --index_used_;
+      slot = (slot - 1) & mask;
+    }
     return;
   }
 }
 
 Result<StringPool::Id> StringPool::Intern(std::string_view text) {
+  if (text.empty()) return Id{0};
   Id id = 0;
-  if (Find(text, &id)) return id;
+  const uint32_t hash = Hash(text);
+  if (FindHashed(text, hash, &id)) return id;
+  if (text.size() > kMaxLength) return {kErrorDiskFull, "A text is too long for a database."};
   KW_RETURN_IF_ERROR(CheckRepresentable(text));
   if (text.find('\0') != std::string_view::npos) {
     return {kErrorUnrepresentableText, "A text with a zero character cannot be kept in a database."};
@@ -249,7 +284,7 @@ Result<StringPool::Id> StringPool::Intern(std::string_view text) {
   Entry& entry = entries_[id];
   entry = Entry{};
   Keep(text, entry);
-  entry.hash = Hash(text);
+  entry.hash = hash;
   IndexInsert(id);
   return id;
 }
@@ -280,7 +315,10 @@ void StringPool::DropIfUnused(Id id) {
 
 void StringPool::Forget(Id id) {
   if (indexed_) IndexErase(id);
-  if (entries_[id].own) delete[] entries_[id].data;
+  if (entries_[id].own) {
+    delete[] entries_[id].data;
+    --own_texts_;
+  }
   if (!raw_.empty()) raw_.erase(id);
   entries_[id] = Entry{};
   free_ids_.push_back(id);

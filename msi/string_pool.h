@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/large_memory.h"
 #include "base/result.h"
 
 namespace kw::msi {
@@ -44,6 +45,8 @@ class StringPool {
   std::string_view Text(Id id) const { return entries_[id].text(); }
   /// The id of `text`, or false when no cell holds it.
   bool Find(std::string_view text, Id* id) const;
+  /// Says that `text` will be looked for soon: memory begins to fetch its place in a large index.
+  void Expect(std::string_view text) const;
   /// The id of `text`, which is added when it is new, with no uses counted yet. Fails with
   /// kErrorUnrepresentableText when the code page does not have all characters.
   Result<Id> Intern(std::string_view text);
@@ -68,30 +71,36 @@ class StringPool {
   // Kept small: a database has some hundred thousand, and they are all touched when it is opened.
   struct Entry {
     const char* data = nullptr;  // UTF-8; null for an id that is not in use
-    uint32_t length = 0;
+    uint32_t length : 31 = 0;
+    uint32_t own : 1 = 0;  // data was made here and is not a part of data_
     uint32_t uses = 0;
     uint32_t hash = 0;
-    bool own = false;  // data was made here and is not a part of data_
 
     std::string_view text() const { return {data, length}; }
   };
 
+  // A place of the index: the id, and above it eight bits of the hash, which spare most looks at the texts of
+  // others.
+  static uint32_t Slot(Id id, uint32_t hash) { return id | (hash & 0xFF000000); }
   static uint32_t Hash(std::string_view text);
+  bool FindHashed(std::string_view text, uint32_t hash, Id* id) const;
+  void RebuildIndex(Id without);
   void IndexInsert(Id id);
   void IndexErase(Id id);
   void Forget(Id id);
-  static void Keep(std::string_view text, Entry& entry);
+  void Keep(std::string_view text, Entry& entry);
   Status CheckRepresentable(std::string_view text) const;
 
   int code_page_ = 0;
   int reference_bytes_ = 2;
-  std::string data_;            // `_StringData` as loaded
-  std::vector<Entry> entries_;  // by id
+  std::string data_;                                   // `_StringData` as loaded
+  std::vector<Entry, LargeAllocator<Entry>> entries_;  // by id
+  size_t own_texts_ = 0;                               // entries whose text was made here
   std::unordered_map<Id, uint32_t> temporary_uses_;
   // The bytes of the file for texts that are not the same there, so that they go back as they came.
   std::unordered_map<Id, std::string_view> raw_;
   std::vector<Id> free_ids_;
-  std::vector<Id> index_;  // open addressing; 0 is empty, kGone a removed one
+  std::vector<uint32_t, LargeAllocator<uint32_t>> index_;  // open addressing; 0 is empty, kGone a removed one
   size_t index_used_ = 0;
   bool indexed_ = false;
   bool has_doubles_ = false;

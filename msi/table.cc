@@ -1,8 +1,14 @@
 #include "msi/table.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kw::msi {
+namespace {
+
+constexpr Table::Row kBatch = 32;
+
+}  // namespace
 
 Table::Table(std::string name, std::vector<Column> columns) : name_(std::move(name)) {
   for (Column& column : columns) AddColumn(std::move(column));
@@ -57,8 +63,18 @@ void Table::BuildIndex() {
   while (capacity < (live_rows_ + 1) * 2) capacity *= 2;
   index_.assign(capacity, kNoRow);
   index_used_ = 0;
-  for (Row row = 0; row < row_end(); ++row) {
-    if (Alive(row)) IndexInsert(row);
+  const size_t mask = capacity - 1;
+  // The places of some rows come from memory at a time.
+  size_t hashes[kBatch];
+  for (Row first = 0; first < row_end(); first += kBatch) {
+    const Row last = std::min(first + kBatch, row_end());
+    for (Row row = first; row < last; ++row) {
+      hashes[row - first] = HashRow(row);
+      __builtin_prefetch(&index_[hashes[row - first] & mask], 1);
+    }
+    for (Row row = first; row < last; ++row) {
+      if (Alive(row)) IndexPlace(row, hashes[row - first]);
+    }
   }
 }
 
@@ -67,8 +83,12 @@ void Table::IndexInsert(Row row) {
     BuildIndex();  // takes the new row in as well
     return;
   }
+  IndexPlace(row, HashRow(row));
+}
+
+void Table::IndexPlace(Row row, size_t hash) {
   const size_t mask = index_.size() - 1;
-  size_t slot = HashRow(row) & mask;
+  size_t slot = hash & mask;
   while (index_[slot] != kNoRow) slot = (slot + 1) & mask;
   index_[slot] = row;
   ++index_used_;

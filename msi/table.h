@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/large_memory.h"
 #include "msi/compound_file.h"
 
 namespace kw::msi {
@@ -108,6 +109,7 @@ class Table {
 
   void BuildIndex();
   void IndexInsert(Row row);
+  void IndexPlace(Row row, size_t hash);
   size_t HashRow(Row row) const;
   static size_t HashStep(size_t hash, Cell cell) {
     hash = (hash ^ cell) * 0x9E3779B97F4A7C15ull;
@@ -120,7 +122,8 @@ class Table {
   std::vector<std::vector<Cell>> cells_;
   std::vector<uint8_t> rows_;
   size_t live_rows_ = 0;
-  std::vector<Row> index_;  // open addressing; kNoRow is empty. Deleted rows stay in it until it is rebuilt.
+  // Open addressing; kNoRow is empty. Deleted rows stay in it until it is rebuilt.
+  std::vector<Row, LargeAllocator<Row>> index_;
   size_t index_used_ = 0;
 };
 

@@ -61,6 +61,9 @@ Status View::Execute(const Record* parameters) {
                                         " parameters and was given " + std::to_string(given) + "."};
   }
   core_->Prepare();
+  for (int i = 1; i <= given; ++i) {
+    if (parameters->value(i).kind == Value::Kind::kText) core_->pool().Expect(parameters->value(i).text);
+  }
   if (statement().kind == Statement::Kind::kSelect) {
     KW_RETURN_IF_ERROR(Bind());
     return Select(parameters);
