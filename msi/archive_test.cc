@@ -88,6 +88,45 @@ TEST_F(ArchiveTest, WhatIsNoArchiveIsRefused) {
   EXPECT_EQ(db->Import("/t", "missing.idt").number(), kErrorFileNotFound);
 }
 
+TEST_F(ArchiveTest, AnImportThatFailsKeepsTheTableAsItWas) {
+  storage.Content("in") = std::string(9000, 'i');
+  KW_EXPECT_OK(
+      RunSql(*db, "insert into `Binary` (`Name`, `Data`) values ('b', ?)", {FileValue(storage, "in")}));
+  KW_EXPECT_OK(RunSql(*db, "insert into `Feature` (`Feature`, `Level`, `Attributes`) values ('f', 3, 0)"));
+  Cycle();
+  const std::string before = Dump(*db);
+  const std::string feature = "Feature\tLevel\r\ns38\ti2\r\nFeature\tFeature\r\n";
+  const std::string binary = "Name\tData\r\ns72\tv0\r\nBinary\tName\r\n";
+  storage.Content("/t/Binary/here") = std::string(5000, 'h');
+  for (const std::string& text : {
+           feature + "a\t1\r\nb\tword\r\n",       // no number
+           feature + "a\t1\r\nb\t40000\r\n",      // out of its column's range
+           feature + "a\t1\r\na\t2\r\n",          // a key twice
+           feature + "a\t1\r\nb\t\r\n",           // nothing where something must be
+           feature + "a\t1\r\nb\t2\t3\r\n",       // a field too many
+           feature + "a\t1\r\nb\xC3\xA4\t2\r\n",  // text without a place in the code page
+           binary + "here\there\r\nb\tmissing\r\n",
+           binary + "here\there\r\nb\t../up\r\n",
+           binary + "here\there\r\n" + std::string(70, 'k') + "\there\r\n",  // no name for the stream
+           std::string("Name\tData\tMore\r\ns72\tv0\tv0\r\nBinary\tName\r\n"),
+           std::string("Name\tData\r\ns72\tv0\r\nBinary\r\n"),
+           std::string("Name\tName\r\ns72\ts72\r\nBinary\tName\r\n"),
+           std::string("Name\tData\r\ns62\tv0\r\n_Streams\tName\r\n"),
+           std::string("Name\r\ns64\r\n_Tables\tName\r\n"),
+       }) {
+    storage.Content("/t/bad.idt") = text;
+    EXPECT_FALSE(db->Import("/t", "bad.idt").ok()) << text;
+    EXPECT_EQ(Dump(*db), before) << text;
+  }
+  Cycle();
+  EXPECT_EQ(Dump(*db), before);
+  storage.Content("/t/good.idt") = binary + "here\there\r\nb\there\r\n";
+  KW_EXPECT_OK(db->Import("/t", "good.idt"));
+  Cycle();
+  const std::string h(5000, 'h');
+  EXPECT_EQ(QueryRows(*db, "select * from `Binary` order by `Name`"), (Rows{{"b", h}, {"here", h}}));
+}
+
 TEST_F(ArchiveTest, TheSummaryInformationKeepsItsProperties) {
   {
     const auto info = Get(db->SummaryInformation(6));

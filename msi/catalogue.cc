@@ -61,14 +61,19 @@ Status Core::AppendCatalogue(const Table& table, size_t first_column) {
   return {};
 }
 
-Status Core::CreateTable(const std::string& name, std::vector<Column> columns, bool temporary, bool hold) {
-  if (!temporary) KW_RETURN_IF_ERROR(CheckWritable());
-  if (tables_.count(name) != 0) return {kErrorBadQuerySyntax, "The table " + name + " exists already."};
+Status Core::CheckNewTable(const std::string& name, const std::vector<Column>& columns) const {
   KW_RETURN_IF_ERROR(EncodeStreamName(name, true).status());
   KW_RETURN_IF_ERROR(CheckColumns(name, columns));
   if (std::none_of(columns.begin(), columns.end(), [](const Column& column) { return column.is_key(); })) {
     return {kErrorBadQuerySyntax, "The table " + name + " would have no key."};
   }
+  return {};
+}
+
+Status Core::CreateTable(const std::string& name, std::vector<Column> columns, bool temporary, bool hold) {
+  if (!temporary) KW_RETURN_IF_ERROR(CheckWritable());
+  if (tables_.count(name) != 0) return {kErrorBadQuerySyntax, "The table " + name + " exists already."};
+  KW_RETURN_IF_ERROR(CheckNewTable(name, columns));
   auto table = std::make_unique<Table>(name, std::move(columns));
   table->temporary = temporary;
   table->holds = hold ? 1 : 0;
@@ -139,11 +144,15 @@ void Core::DropRows(Table& table) {
   }
 }
 
-Status Core::DropTable(Table& table) {
+Status Core::CheckDrop(const Table& table) const {
   if (table.system || table.streams || table.storages) {
     return {kErrorBadQuerySyntax, "The table " + table.name() + " cannot be dropped."};
   }
-  if (!table.temporary) KW_RETURN_IF_ERROR(CheckWritable());
+  return table.temporary ? Status() : CheckWritable();
+}
+
+Status Core::DropTable(Table& table) {
+  KW_RETURN_IF_ERROR(CheckDrop(table));
   Prepare();
   DropRows(table);
   if (!table.temporary) {

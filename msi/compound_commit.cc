@@ -176,11 +176,13 @@ size_t CompoundFile::UsedEnd() const {
 Status CompoundFile::PlaceFat() {
   const size_t per_sector = SectorSize() / 4;
   // Moving a block changes the table again, which may make another block move: until nothing does.
-  std::vector<uint32_t> moved_from;
+  // The end is looked for once and followed from there: behind it may lie a million free sectors.
+  size_t end = UsedEnd();
   for (bool again = true; again;) {
     again = false;
-    while (fat_sectors_.size() * per_sector < UsedEnd()) {
+    while (fat_sectors_.size() * per_sector < end) {
       KW_ASSIGN_OR_RETURN(const uint32_t sector, Allocate());
+      end = std::max<size_t>(end, sector + 1);
       SetFat(sector, kFatSector);
       fat_sectors_.push_back(sector);
       fat_dirty_.push_back(true);
@@ -190,14 +192,18 @@ Status CompoundFile::PlaceFat() {
     for (size_t block = 0; block < fat_sectors_.size(); ++block) {
       if (!fat_dirty_[block] || fresh_[fat_sectors_[block]]) continue;
       KW_ASSIGN_OR_RETURN(const uint32_t sector, Allocate());
+      end = std::max<size_t>(end, sector + 1);
       SetFat(sector, kFatSector);
       Free(fat_sectors_[block]);
       fat_sectors_[block] = sector;
       if (block >= kHeaderDifat) difat_dirty_ = true;
       again = true;
     }
-    while (!again && fat_sectors_.size() > 1 && (fat_sectors_.size() - 1) * per_sector >= UsedEnd()) {
+    while (end > 0 && fat_[end - 1] == kFree) --end;
+    const bool cut = !again;
+    while (cut && fat_sectors_.size() > 1 && (fat_sectors_.size() - 1) * per_sector >= end) {
       Free(fat_sectors_.back());
+      while (end > 0 && fat_[end - 1] == kFree) --end;
       fat_sectors_.pop_back();
       fat_dirty_.pop_back();
       difat_dirty_ = true;
@@ -215,6 +221,7 @@ Status CompoundFile::PlaceFat() {
     for (size_t i = 0; i < lists; ++i) {
       if (i < difat_sectors_.size() && fresh_[difat_sectors_[i]]) continue;
       KW_ASSIGN_OR_RETURN(const uint32_t sector, Allocate());
+      end = std::max<size_t>(end, sector + 1);
       SetFat(sector, kDifatSector);
       if (i < difat_sectors_.size()) {
         Free(difat_sectors_[i]);

@@ -39,6 +39,11 @@ class Core : public std::enable_shared_from_this<Core> {
   /// Must be called before a statement runs: texts get their index.
   void Prepare();
 
+  /// Whether a table of this name and these columns may be in the file.
+  Status CheckNewTable(const std::string& name, const std::vector<Column>& columns) const;
+  /// Whether a table may be dropped.
+  Status CheckDrop(const Table& table) const;
+
   // Changes of the catalogue. Each checks everything before it changes anything.
   Status CreateTable(const std::string& name, std::vector<Column> columns, bool temporary, bool hold);
   Status AddColumn(Table& table, Column column, bool hold);

@@ -55,7 +55,8 @@ class Database {
   /// that bears the row's key as its name (the parts of a longer key joined with "."). Keys that cannot be a
   /// file's name fail with kErrorInvalidName. "_SummaryInformation" and "_ForceCodepage" are written too.
   Status Export(const std::string& table, const std::string& folder, const std::string& file);
-  /// Reads a text archive, which replaces the table that it names. "_ForceCodepage" sets the code page.
+  /// Reads a text archive, which replaces the table that it names. "_ForceCodepage" sets the code page. After
+  /// a failure the table is as it was.
   Status Import(const std::string& folder, const std::string& file);
   /// The summary information, for up to `updates` changes of properties.
   Result<std::unique_ptr<SummaryInfo>> SummaryInformation(int updates);

@@ -1,6 +1,7 @@
 #include "msi/executor.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kw::msi {
 namespace {
@@ -69,8 +70,11 @@ Result<std::shared_ptr<CfStream>> CopyStream(Core& core, StreamField& field, boo
 }
 
 Status CheckTable(Core& core, const Table& table, bool temporary) {
-  if (table.system || (table.storages && !temporary)) {
+  if (table.system) {
     return {kErrorFunctionFailed, "The table " + table.name() + " cannot be changed by a statement."};
+  }
+  if (table.storages) {
+    return {kErrorUnsupported, "A storage can be read and removed, but not added or changed."};
   }
   return temporary && !table.streams ? Status() : core.CheckWritable();
 }
@@ -79,6 +83,108 @@ bool SameStream(Core& core, const Table& table, Table::Row row, int column, cons
   return value.kind == Value::Kind::kStream && value.stream->stream() != nullptr &&
          value.stream->stream() == core.StreamOf(table, row, column).get();
 }
+
+// The cells of a row that is to come into `table`, whose key must be new there.
+Result<std::vector<Cell>> CellsFor(Table& table, const std::vector<const Value*>& by_column,
+                                   Interned& interned) {
+  std::vector<Cell> cells(by_column.size());
+  const Value null;
+  for (size_t i = 0; i < cells.size(); ++i) {
+    KW_ASSIGN_OR_RETURN(cells[i],
+                        CellFor(table, table.columns()[i], by_column[i] ? *by_column[i] : null, interned));
+  }
+  std::vector<Cell> key;
+  for (const int column : table.key_columns()) key.push_back(cells[static_cast<size_t>(column)]);
+  if (!key.empty() && table.FindKey(key) != Table::kNoRow) {
+    return {kErrorFunctionFailed, "The table " + table.name() + " has a row with this key already."};
+  }
+  return cells;
+}
+
+using RowStreams = std::map<int, std::shared_ptr<CfStream>>;
+
+// The streams of a row that is to come into `table`, brought into the file without a name.
+Result<RowStreams> StreamsFor(Core& core, const Table& table, const std::vector<Cell>& cells,
+                              const std::vector<const Value*>& by_column, bool temporary) {
+  RowStreams streams;
+  for (size_t i = 0; i < cells.size(); ++i) {
+    if (!table.columns()[i].is_stream() || cells[i] == kNullCell) continue;
+    Status status = core.StreamName(table, cells).status();
+    if (status.ok()) {
+      const bool held = !table.streams && (temporary || table.temporary || table.columns()[i].is_temporary());
+      Result<std::shared_ptr<CfStream>> stream = CopyStream(core, *by_column[i]->stream, held);
+      status = stream.status();
+      if (stream.ok()) streams[static_cast<int>(i)] = *std::move(stream);
+    }
+    if (status.ok()) continue;
+    for (auto& [column, stream] : streams) core.file().Discard(std::move(stream));
+    return status.error();
+  }
+  return streams;
+}
+
+std::vector<const Value*> ByColumn(const Table& table, const std::vector<Assignment>& values) {
+  std::vector<const Value*> by_column(table.columns().size(), nullptr);
+  for (const Assignment& assignment : values)
+    by_column[static_cast<size_t>(assignment.column)] = &assignment.value;
+  return by_column;
+}
+
+// The rows of a table that is still to be made. What they need is in the pool and in the file already, and
+// goes again if the table never comes.
+class StagedRows {
+ public:
+  StagedRows(Core& core, const std::string& name, const std::vector<Column>& columns)
+      : core_(core), table_(name, columns) {}
+  ~StagedRows() {
+    for (RowStreams& streams : streams_) {
+      for (auto& [column, stream] : streams) core_.file().Discard(std::move(stream));
+    }
+    for (const StringPool::Id id : held_) core_.pool().DropUse(id, true);
+  }
+  StagedRows(const StagedRows&) = delete;
+  StagedRows& operator=(const StagedRows&) = delete;
+
+  /// Keeps a text in the pool.
+  Status Hold(std::string_view text) {
+    KW_ASSIGN_OR_RETURN(const StringPool::Id id, core_.pool().Intern(text));
+    Hold(id);
+    return {};
+  }
+  Status Add(const std::vector<Assignment>& values) {
+    Interned interned(core_);
+    const std::vector<const Value*> by_column = ByColumn(table_, values);
+    KW_ASSIGN_OR_RETURN(const std::vector<Cell> cells, CellsFor(table_, by_column, interned));
+    KW_ASSIGN_OR_RETURN(RowStreams streams, StreamsFor(core_, table_, cells, by_column, false));
+    for (size_t i = 0; i < cells.size(); ++i) {
+      if (table_.columns()[i].is_text()) Hold(cells[i]);
+    }
+    table_.Append(cells, false);
+    streams_.push_back(std::move(streams));
+    return {};
+  }
+  /// Puts the rows into the table that was made for them.
+  Status MoveTo(Table& table) {
+    for (Table::Row row = 0; row < table_.row_end(); ++row) {
+      std::vector<Cell> cells;
+      for (size_t i = 0; i < table_.columns().size(); ++i)
+        cells.push_back(table_.Get(row, static_cast<int>(i)));
+      KW_RETURN_IF_ERROR(core_.InsertRow(table, cells, std::exchange(streams_[row], {}), false));
+    }
+    return {};
+  }
+
+ private:
+  void Hold(StringPool::Id id) {
+    core_.pool().AddUse(id, true);
+    held_.push_back(id);
+  }
+
+  Core& core_;
+  Table table_;
+  std::vector<RowStreams> streams_;
+  std::vector<StringPool::Id> held_;
+};
 
 struct Change {
   int column = 0;
@@ -114,37 +220,25 @@ Status InsertInto(Core& core, Table& table, const std::vector<Assignment>& value
   core.Prepare();
   KW_RETURN_IF_ERROR(CheckTable(core, table, temporary || table.temporary));
   Interned interned(core);
-  std::vector<const Value*> by_column(table.columns().size(), nullptr);
-  for (const Assignment& assignment : values)
-    by_column[static_cast<size_t>(assignment.column)] = &assignment.value;
-  std::vector<Cell> cells(by_column.size());
-  const Value null;
-  for (size_t i = 0; i < cells.size(); ++i) {
-    KW_ASSIGN_OR_RETURN(cells[i],
-                        CellFor(table, table.columns()[i], by_column[i] ? *by_column[i] : null, interned));
-  }
-  std::vector<Cell> key;
-  for (const int column : table.key_columns()) key.push_back(cells[static_cast<size_t>(column)]);
-  if (!key.empty() && table.FindKey(key) != Table::kNoRow) {
-    return {kErrorFunctionFailed, "The table " + table.name() + " has a row with this key already."};
-  }
-  std::map<int, std::shared_ptr<CfStream>> streams;
-  Status status;
-  for (size_t i = 0; i < cells.size() && status.ok(); ++i) {
-    if (!table.columns()[i].is_stream() || cells[i] == kNullCell) continue;
-    status = core.StreamName(table, cells).status();
-    if (!status.ok()) break;
-    Result<std::shared_ptr<CfStream>> stream =
-        CopyStream(core, *by_column[i]->stream,
-                   !table.streams && (temporary || table.temporary || table.columns()[i].is_temporary()));
-    status = stream.status();
-    if (stream.ok()) streams[static_cast<int>(i)] = *std::move(stream);
-  }
-  if (!status.ok()) {
-    for (auto& [column, stream] : streams) core.file().Discard(std::move(stream));
-    return status;
-  }
+  const std::vector<const Value*> by_column = ByColumn(table, values);
+  KW_ASSIGN_OR_RETURN(const std::vector<Cell> cells, CellsFor(table, by_column, interned));
+  KW_ASSIGN_OR_RETURN(RowStreams streams, StreamsFor(core, table, cells, by_column, temporary));
   return core.InsertRow(table, cells, std::move(streams), temporary);
+}
+
+Status ReplaceTable(Core& core, const std::string& name, const std::vector<Column>& columns,
+                    const std::vector<std::vector<Assignment>>& rows) {
+  core.Prepare();
+  KW_RETURN_IF_ERROR(core.CheckNewTable(name, columns));
+  Table* const old = core.FindTable(name);
+  if (old) KW_RETURN_IF_ERROR(core.CheckDrop(*old));
+  StagedRows staged(core, name, columns);
+  KW_RETURN_IF_ERROR(staged.Hold(name));
+  for (const Column& column : columns) KW_RETURN_IF_ERROR(staged.Hold(column.name));
+  for (const std::vector<Assignment>& row : rows) KW_RETURN_IF_ERROR(staged.Add(row));
+  if (old) KW_RETURN_IF_ERROR(core.DropTable(*old));
+  KW_RETURN_IF_ERROR(core.CreateTable(name, columns, false, false));
+  return staged.MoveTo(*core.FindTable(name));
 }
 
 Status UpdateRows(Core& core, Table& table, const std::vector<Assignment>& values,

@@ -19,6 +19,11 @@ struct Assignment {
 /// integer out of the column's range, on a value of the wrong kind and on a key that exists.
 Status InsertInto(Core& core, Table& table, const std::vector<Assignment>& values, bool temporary);
 
+/// Makes the table `name` with these rows in place of any that has the name. Everything is checked, and all
+/// streams are read, before the old table goes: after a failure it is there as it was.
+Status ReplaceTable(Core& core, const std::string& name, const std::vector<Column>& columns,
+                    const std::vector<std::vector<Assignment>>& rows);
+
 /// Changes cells of rows. The key must stay what it is. Checked like InsertInto.
 Status UpdateRows(Core& core, Table& table, const std::vector<Assignment>& values,
                   const std::vector<Table::Row>& rows);

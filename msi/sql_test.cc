@@ -389,6 +389,20 @@ TEST_F(SqlTest, StreamsCanBeAddedAndRemovedByName) {
   EXPECT_EQ(Select("SELECT `Name` FROM `_Streams`"), Rows{});
 }
 
+TEST_F(SqlTest, AStorageIsNeitherAddedNorChangedByAStatement) {
+  storage.Content("in") = "bytes";
+  const std::string before = Dump(*db);
+  const Status status =
+      RunSql(*db, "insert into `_Storages` (`Name`, `Data`) values ('s', ?)", {FileValue(storage, "in")});
+  EXPECT_EQ(status.number(), kErrorUnsupported);
+  EXPECT_EQ(status.message(), "A storage can be read and removed, but not added or changed.");
+  EXPECT_EQ(RunSql(*db, "insert into `_Storages` (`Name`) values ('s')").number(), kErrorUnsupported);
+  EXPECT_EQ(RunSql(*db, "insert into `_Storages` (`Name`) values ('s') temporary").number(),
+            kErrorUnsupported);
+  EXPECT_EQ(QueryRows(*db, "select `Name` from `_Storages`"), Rows{});
+  EXPECT_EQ(Dump(*db), before);
+}
+
 TEST_F(SqlTest, ADatabaseOpenedForReadingTakesTemporaryThingsOnly) {
   Cycle(OpenMode::kReadOnly);
   EXPECT_EQ(Number("delete from `Feature`"), kErrorAccessDenied);

@@ -286,13 +286,11 @@ Status ImportTable(const std::shared_ptr<Core>& core, const std::string& folder,
     }
     columns.push_back(std::move(column));
   }
-  if (Table* old = core->FindTable(name)) KW_RETURN_IF_ERROR(core->DropTable(*old));
-  KW_RETURN_IF_ERROR(core->CreateTable(name, columns, false, false));
-  Table& table = *core->FindTable(name);
+  std::vector<std::vector<Assignment>> rows;
   for (const std::vector<std::string>& row : archive.rows) {
     if (row.size() > columns.size())
       return {kErrorFunctionFailed, path + " has a line with too many fields."};
-    std::vector<Assignment> values;
+    std::vector<Assignment>& values = rows.emplace_back();
     for (size_t i = 0; i < row.size(); ++i) {
       Value value = Value::Text(row[i]);
       if (columns[i].is_stream() && !row[i].empty()) {
@@ -304,8 +302,8 @@ Status ImportTable(const std::shared_ptr<Core>& core, const std::string& folder,
       }
       values.push_back({static_cast<int>(i), std::move(value)});
     }
-    KW_RETURN_IF_ERROR(InsertInto(*core, table, values, false));
   }
+  KW_RETURN_IF_ERROR(ReplaceTable(*core, name, columns, rows));
   return core->EndStatement();
 }
 
