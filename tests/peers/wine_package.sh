@@ -3,14 +3,22 @@
 command -v wine >/dev/null || exit 77
 tests=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 work=$(mktemp -d)
-export WINEPREFIX=$work/prefix WINEDEBUG=-all WINEDLLOVERRIDES='mscoree=d;mshtml=d'
+export WINEDEBUG=-all WINEDLLOVERRIDES='mscoree=d;mshtml=d'
 unset DISPLAY WAYLAND_DISPLAY
 trap 'wineserver -k 2>/dev/null || true; chmod -R u+w "$work"; rm -rf "$work"' EXIT
 [ -f "$KITWRIGHT_BUILD_DIR/tests/machines/710/machine.ini" ] || "$tests/run-script" --machine 710
 cp -a "$KITWRIGHT_BUILD_DIR/tests/machines/710" "$work/machine"
 export KITWRIGHT_ROOT=$work/machine
-target=$WINEPREFIX/drive_c
-product=$target/Program\ Files/Orvantic/Kestrane\ Enterprise
+# another_prefix: from now on Windows is a fresh one.
+prefixes=0
+another_prefix() {
+  [ $prefixes = 0 ] || wineserver -k || true
+  prefixes=$((prefixes + 1))
+  export WINEPREFIX=$work/prefix$prefixes
+  target=$WINEPREFIX/drive_c
+  product=$target/Program\ Files/Orvantic/Kestrane\ Enterprise
+}
+another_prefix
 cd "$work/machine"
 
 # build NAME: a run of the script of that name.
