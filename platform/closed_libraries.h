@@ -11,9 +11,9 @@
 namespace kw::platform {
 
 /// The makers' closed libraries, loaded at run time and called by their exported names. A Result that fails
-/// stands for a call that raised an error (the library or the export is missing, or the call itself failed);
-/// otherwise the library's own result comes back as it is. Libraries are looked for in the program's folder,
-/// the current folder, the product's folder and the system's search path.
+/// stands for a call that raised an error (the library or the export is missing, or the call failed or
+/// crashed); otherwise the library's own result comes back as it is. Libraries are looked for in the
+/// program's folder, the current folder, the product's folder and the system's search path.
 class ClosedLibraries {
  public:
   virtual ~ClosedLibraries() = default;

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include "base/text.h"
+#include "platform/embedded/guarded_call.h"
 #include "platform/shared/library_abi.h"
 
 namespace kw::platform::embedded {
@@ -23,8 +24,9 @@ void* EmbeddedClosedLibraries::FindFunction(void* library, const char* name) {
 }
 
 Status EmbeddedClosedLibraries::Run(const std::function<void()>& call) {
-  call();
-  return {};
+  const int signal = GuardedCall(call);
+  if (signal == 0) return {};
+  return {kErrorFunctionFailed, "signal " + std::to_string(signal)};
 }
 
 Result<int> EmbeddedClosedLibraries::WithOpenKey(Hive root, const std::string& path,

@@ -130,6 +130,15 @@ TEST_P(ClosedLibrariesContract, ACallThatRaisesAnErrorFails) {
   EXPECT_TRUE(libraries.EmalConfigZed(2, 0).ok());
 }
 
+TEST_P(ClosedLibrariesContract, ALibraryThatCrashesIsAFailedCallAndTheProgramGoesOn) {
+  PutAll();
+  Set("PROBE_RAISE", "crash");
+  EXPECT_EQ(libraries.EditSiteList("").number(), kErrorFunctionFailed);
+  EXPECT_EQ(libraries.TxUnzip("a", "b").number(), kErrorFunctionFailed);
+  Set("PROBE_RAISE", "0");
+  EXPECT_EQ(libraries.EditSiteList("").value_or(-1), 7);
+}
+
 TEST_P(ClosedLibrariesContract, AMissingLibraryIsAFailedCall) {
   EXPECT_EQ(libraries.EmalConfigZed(2, 0).number(), kErrorModuleNotFound);
   under_test->PutLibrary(under_test->ProgramFolder(), "TxMailScan");

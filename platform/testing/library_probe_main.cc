@@ -1,6 +1,6 @@
 // The closed library of the contract suite, under whatever name it is copied to. Each call writes its
 // function and arguments as a line into the file that PROBE_CALL names (a Windows path). It gives
-// PROBE_RESULT, and raises the error PROBE_RAISE when that is not 0.
+// PROBE_RESULT, and raises the error PROBE_RAISE when that is not 0; "crash" is a fault of the library's own.
 
 #ifdef _WIN32
 #include <windows.h>
@@ -23,10 +23,17 @@ std::string Variable(const char* name) {
   return value == nullptr ? std::string() : std::string(value);
 }
 
+/// Writes where no memory is.
+void Crash() {
+  volatile uintptr_t nowhere = 8;
+  *reinterpret_cast<volatile int*>(nowhere) = 1;
+}
+
 int Call(const std::string& line) {
   const kw::MachinePaths paths = kw::MachinePaths::OfThisProcess();
   const kw::Status written =
       kw::WriteFileAtomically(kw::SystemStorage(), paths.HostPath(Variable("PROBE_CALL")), line);
+  if (Variable("PROBE_RAISE") == "crash") Crash();
   g_raised = written.ok() ? std::atoi(Variable("PROBE_RAISE").c_str()) : written.number();
   return std::atoi(Variable("PROBE_RESULT").c_str());
 }

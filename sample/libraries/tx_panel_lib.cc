@@ -18,8 +18,8 @@ kw::Result<std::string> LiveListPath() {
   const kw::sample::CallContext call;
   const auto registry = call.Registry();
   KW_ASSIGN_OR_RETURN(auto key, registry->OpenKey(kw::platform::Hive::kLocalMachine,
-                                                 "SOFTWARE\\Orvantic\\RDX\\Shared Components\\AgentCore",
-                                                 kw::platform::kKeyQuery));
+                                                  "SOFTWARE\\Orvantic\\RDX\\Shared Components\\AgentCore",
+                                                  kw::platform::kKeyQuery));
   KW_ASSIGN_OR_RETURN(const auto folder, key->QueryValue("Data Path", kw::platform::kAnyRegistrySize));
   return call.paths.HostPath(kw::JoinPath(folder.Text(), "SiteList.xml"));
 }
@@ -47,6 +47,9 @@ kw::Result<int> Edit(Answer answer) {
     case Answer::kFailSaved:
       KW_RETURN_IF_ERROR(SaveList(path, kw::sample::ChangedSiteList(text)));
       return answer == Answer::kChange ? 1 : 0;
+    case Answer::kCrash:
+      KW_RETURN_IF_ERROR(SaveList(path, text.substr(0, text.size() / 2)));
+      kw::sample::Crash();
     case Answer::kDialog:
       break;
   }

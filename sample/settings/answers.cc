@@ -1,5 +1,6 @@
 #include "sample/settings/answers.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 
@@ -22,10 +23,17 @@ Answer AnswerNamed(std::string_view text, bool has_display) {
   if (text == "fail") return Answer::kFail;
   if (text == "fail-saved") return Answer::kFailSaved;
   if (text == "raise") return Answer::kRaise;
+  if (text == "crash") return Answer::kCrash;
   return has_display ? Answer::kDialog : Answer::kCancel;
 }
 
 Answer AnswerOfThisProcess() { return AnswerNamed(Environment("SAMPLE_TOOL_ANSWER"), HasDisplay()); }
+
+void Crash() {
+  volatile uintptr_t nowhere = 8;
+  *reinterpret_cast<volatile int*>(nowhere) = 1;
+  std::abort();
+}
 
 bool ListNames(std::string_view list, std::string_view stand_in) {
   for (const std::string& name : Split(list, ',')) {

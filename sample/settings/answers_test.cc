@@ -11,6 +11,7 @@ TEST(Answers, EachWordNamesItsAnswer) {
   EXPECT_EQ(AnswerNamed("fail", true), Answer::kFail);
   EXPECT_EQ(AnswerNamed("fail-saved", true), Answer::kFailSaved);
   EXPECT_EQ(AnswerNamed("raise", true), Answer::kRaise);
+  EXPECT_EQ(AnswerNamed("crash", true), Answer::kCrash);
 }
 
 TEST(Answers, WithoutAWordTheBoxIsShownWhereThereIsADisplay) {

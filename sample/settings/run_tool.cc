@@ -27,6 +27,8 @@ Result<ToolOutcome> RunTool(const ToolCommand& command, platform::Registry& regi
     case Answer::kFail:
     case Answer::kRaise:
       return ToolOutcome{true, false};
+    case Answer::kCrash:
+      Crash();
     case Answer::kDialog:
       break;
   }
