@@ -168,9 +168,9 @@ Result<frmBeaconryServer::Opened> frmBeaconryServer::OpenNestedPackage() {
   if (!database.ok()) return Opened::kNoDatabase;
   run_.BeaconryDatabase = *database;
   KW_RETURN_IF_ERROR(nested_.LowerCaseFileNames());
-  KW_ASSIGN_OR_RETURN(const auto code,
-                      nested_.QuerySql("select `Value` from `Property` where `Property` = 'UpgradeCode'"));
-  if (code && code->StringData(1) == kBeaconryUpgradeCode) return Opened::kYes;
+  // A package that has no such table is another product's as well.
+  const auto code = nested_.QuerySql("select `Value` from `Property` where `Property` = 'UpgradeCode'");
+  if (code.ok() && *code && (*code)->StringData(1) == kBeaconryUpgradeCode) return Opened::kYes;
   run_.BeaconryDatabase.reset();
   return Opened::kOtherProduct;
 }
