@@ -267,6 +267,13 @@ Status UpdateRows(Core& core, Table& table, const std::vector<Assignment>& value
       streams.push_back({row, change.column, *std::move(stream)});
     }
   }
+  // The last use of a text in one column may go before its first use in another comes.
+  std::vector<StringPool::Id> held;
+  for (const Change& change : changes) {
+    if (changes.size() < 2 || !table.columns()[static_cast<size_t>(change.column)].is_text()) continue;
+    core.pool().AddUse(change.cell, true);
+    held.push_back(change.cell);
+  }
   for (const Change& change : changes) {
     const bool is_stream = table.columns()[static_cast<size_t>(change.column)].is_stream();
     for (const Table::Row row : rows) {
@@ -278,6 +285,7 @@ Status UpdateRows(Core& core, Table& table, const std::vector<Assignment>& value
     }
   }
   for (NewStream& made : streams) core.SetStream(table, made.row, made.column, std::move(made.stream));
+  for (const StringPool::Id id : held) core.pool().DropUse(id, true);
   return {};
 }
 

@@ -389,6 +389,27 @@ TEST_F(SqlTest, StreamsCanBeAddedAndRemovedByName) {
   EXPECT_EQ(Select("SELECT `Name` FROM `_Streams`"), Rows{});
 }
 
+TEST_F(SqlTest, ATextMovesFromOneColumnToAnotherInOneUpdate) {
+  // Each text has one use, which goes before the next comes.
+  Ok("insert into `Component` (`Component`, `ComponentId`, `Directory_`, `Attributes`) values ('swap', "
+     "'left', "
+     "'right', 0)");
+  for (const char* mode : {"direct", "committed"}) {
+    Ok("update `Component` set `ComponentId` = 'right', `Directory_` = 'left' where `Component` = 'swap'");
+    EXPECT_EQ(
+        QueryRows(*db, "select `ComponentId`, `Directory_` from `Component` where `Component` = 'swap'"),
+        (Rows{{"right", "left"}}))
+        << mode;
+    Ok("update `Component` set `ComponentId` = 'left', `Directory_` = 'right' where `Component` = 'swap'");
+    Ok("insert into `Property` (`Property`, `Value`) values ('" + std::string(mode) + "', 'in its place')");
+    Cycle();
+    EXPECT_EQ(
+        QueryRows(*db, "select `ComponentId`, `Directory_` from `Component` where `Component` = 'swap'"),
+        (Rows{{"left", "right"}}))
+        << mode;
+  }
+}
+
 TEST_F(SqlTest, AStorageIsNeitherAddedNorChangedByAStatement) {
   storage.Content("in") = "bytes";
   const std::string before = Dump(*db);
