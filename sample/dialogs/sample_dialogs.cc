@@ -45,6 +45,7 @@ class SettingsDialog : public wxDialog {
     all->Add(CreateStdDialogButtonSizer(wxOK | wxCANCEL), wxSizerFlags().Expand().Border(wxALL, FromDIP(10)));
     SetSizerAndFit(all);
     CentreOnScreen();
+    if (!fields_.empty()) fields_.front()->SetFocus();
   }
 
   /// Takes over what was typed.
@@ -87,6 +88,7 @@ class TextDialog : public wxDialog {
     all->Add(CreateStdDialogButtonSizer(wxOK | wxCANCEL), wxSizerFlags().Expand().Border(wxALL, FromDIP(10)));
     SetSizerAndFit(all);
     CentreOnScreen();
+    field_->SetFocus();
     Bind(
         wxEVT_BUTTON,
         [this, check](wxCommandEvent& event) {
