@@ -141,6 +141,45 @@ TEST_F(RegistrySettingsTest, BrowseFillsItsOwnSlot) {
   EXPECT_EQ(page().RegFileXP.Text(), "C:\\Files\\extra.REG");
 }
 
+TEST_F(RegistrySettingsTest, ACancelledBrowseKeepsTheText) {
+  Open();
+  page().RegFile.UserType("C:\\Files\\extra.REG");
+  machine.dialogs.files = {""};
+  page().Browse.UserClick();
+  EXPECT_EQ(page().RegFile.Text(), "C:\\Files\\extra.REG");
+}
+
+TEST_F(RegistrySettingsTest, TheWordOfTheMarkersMessageFollowsTheMode) {
+  AddSourceFile("ZED_XP.CFG");
+  Open();
+  run.PackageMode = false;
+  page().RegFileXP.UserType("[IN_PACKAGE]ZED_NT.REG");
+  page().Next->UserClick();
+  EXPECT_THAT(Steps(),
+              ElementsAre("message This file name cannot be changed because it was previously added to the "
+                          "configuration package.  You may continue with this file as it is or choose a "
+                          "completely new file.",
+                          "focus frmRegistrySettings.RegFileXP"));
+}
+
+TEST_F(RegistrySettingsTest, AnEmptiedBoxForgetsItsFile) {
+  AddSourceFile("ZED_GEN.CFG");
+  Open();
+  page().RegFile.UserType("");
+  page().Next->UserClick();
+  EXPECT_EQ(page().ChosenSlots()[0]->path, "");
+}
+
+TEST_F(RegistrySettingsTest, FilesOfTheSystemsAreNamedInTheReviewInTheirOrder) {
+  Open();
+  page().MultipleFiles.UserClick();
+  page().RegFileXP.UserType("C:\\Files\\extra.REG");
+  EXPECT_THAT(Choices<frmRegistrySettings>(),
+              ElementsAre("\tREG file (used for Windows NT operating systems): None",
+                          "\tREG file (used for Windows 2000 operating systems): None",
+                          "\tREG file (used for Windows XP operating systems): C:\\Files\\extra.REG", ""));
+}
+
 struct PasswordTest : OpenPackageFixture, ::testing::Test {
   frmZEDPassword& page() { return table.Get<frmZEDPassword>(); }
   frmZEDPassword& Open() { return Show<frmZEDPassword>("Kitwright Password"); }
@@ -217,6 +256,43 @@ TEST_F(PasswordTest, UntickingDeletesTheNewPassword) {
   EXPECT_EQ(Stored("NCAP").type, platform::kRegNone);
   EXPECT_THAT(Choices<frmZEDPassword>(),
               Contains("\tA new password to allow applying of Kitwright configuration has not been set."));
+}
+
+TEST_F(PasswordTest, WithoutANewPasswordItsFieldsAreNotCompared) {
+  run.PackageMode = false;
+  Open();
+  page().SetNewPassword.UserClick();
+  page().NewPassword.UserType("one");
+  Take();
+  page().SetNewPassword.UserClick();
+  EXPECT_EQ(Take(), std::vector<std::string>{"focus frmZEDPassword.Password"});
+  EXPECT_FALSE(page().ConfirmNewPassword.Enabled());
+  EXPECT_EQ(page().NewPassword.Back(), ui::BackColor::kFace);
+  page().Password.UserType("present");
+  page().Next->UserClick();
+  EXPECT_EQ(Stored("CAP").Text(), "qsftfou");
+  EXPECT_EQ(Stored("CAP").size, 8u);
+  EXPECT_EQ(Stored("NCAP").type, platform::kRegNone);
+}
+
+TEST_F(PasswordTest, APasswordThatCannotBeEncipheredIsStoredNowhereAndKeepsThePage) {
+  run.PackageMode = false;
+  Open();
+  page().Password.UserType("secret");
+  machine.libraries.Return("EncryptDecrypt", 0);
+  page().Next->UserClick();
+  EXPECT_THAT(Steps(), ElementsAre("message The password could not be enciphered."));
+  EXPECT_TRUE(page().Visible());
+  EXPECT_EQ(Stored("CAP").type, platform::kRegNone);
+}
+
+TEST_F(PasswordTest, APasswordOfAnyLengthCountsAsGiven) {
+  machine.registry.SetText(Hive::kCurrentUser, "SOFTWARE\\Orvantic\\ZED", "CAP", std::string(400, 'x'));
+  machine.registry.Set(Hive::kCurrentUser, "SOFTWARE\\Orvantic\\ZED", "NCAP", {platform::kRegSz, "", 0});
+  EXPECT_THAT(
+      Choices<frmZEDPassword>(),
+      ElementsAre("\tA password to allow applying of Kitwright configuration has been given.",
+                  "\tA new password to allow applying of Kitwright configuration has not been set.", ""));
 }
 
 }  // namespace

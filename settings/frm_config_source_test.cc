@@ -175,6 +175,71 @@ TEST_F(ConfigSourceTest, TaskListsAreReadFromTheNewSource) {
   EXPECT_EQ(table.Get<frmScheduledScan>().Grid.Rows(), 4);
 }
 
+TEST_F(ConfigSourceTest, WithoutATempFolderOneIsMade) {
+  run.TempFolder.clear();
+  page.Next->UserClick();
+  EXPECT_THAT(run.TempFolder, HasSubstr("\\_id_"));
+  EXPECT_TRUE(machine.files.FolderExists(run.ConfigAppDataFolder));
+  EXPECT_THAT(run.ConfigAppDataFolder, ::testing::StartsWith(run.TempFolder + "\\ConfigAppData_id_"));
+}
+
+TEST_F(ConfigSourceTest, AFailedImportKeepsThePageAndMovesTheFocus) {
+  machine.processes.On("CabArc", 1);
+  page.SettingsFromFile.UserClick();
+  page.SettingsFromFilePath.UserType("C:\\Files\\a.cab");
+  Take();
+  page.Next->UserClick();
+  EXPECT_EQ(Take().back(), "focus frmConfigSource.SettingsFromFilePath");
+  EXPECT_FALSE(run.SettingsFromFile);
+  EXPECT_EQ(run.ConfigSourceName, kSourceIsSystem);
+}
+
+TEST_F(ConfigSourceTest, CancelAtTheQuestionLeavesBranchesAndFlagsUntouched) {
+  SetStagingDword("", "x", 1);
+  run.changes.ConfigChangedScan = run.changes.ConfigChangedBulwark = true;
+  machine.dialogs.answers = {Answer::kCancel};
+  page.NoSettings.UserClick();
+  page.Next->UserClick();
+  EXPECT_TRUE(HasStaging(""));
+  EXPECT_TRUE(run.changes.ConfigChangedScan && run.changes.ConfigChangedBulwark);
+  EXPECT_TRUE(run.SettingsFromSystem);
+  EXPECT_EQ(run.ConfigAppDataFolder, "C:\\Temp\\run\\config");
+}
+
+TEST_F(ConfigSourceTest, CancellingEverythingDuringTheImportLeavesNothing) {
+  machine.processes.On("regedit.exe /s",
+                       platform::testing::FakeProcesses::Script{
+                           0, 2, 0, [this](const FakeCommand&) { SetStagingDword("", "x", 1); }, {}});
+  page.SettingsFromFile.UserClick();
+  page.SettingsFromFilePath.UserType("C:\\Files\\a.cab");
+  // The cabinet's program ends at once; its two looks come first.
+  host.meanwhile.push_back([] {});
+  host.meanwhile.push_back([&] {
+    machine.dialogs.answers = {Answer::kOk};
+    page.Cancel->UserClick();
+  });
+  page.Next->UserClick();
+  EXPECT_TRUE(host.Ended());
+  EXPECT_FALSE(HasStaging(""));
+  EXPECT_FALSE(machine.registry.HasKey(Hive::kCurrentUser, "SOFTWARE\\Orvantic\\ZED_Backup"));
+  EXPECT_FALSE(machine.files.FolderExists("C:\\Temp\\run"));
+}
+
+TEST_F(ConfigSourceTest, BrowseStartsNowhereForABadPathOrADriveRoot) {
+  page.SettingsFromFile.UserClick();
+  for (const char* text : {"no path", "C:\\", ""}) {
+    page.SettingsFromFilePath.UserType(text);
+    machine.dialogs.files = {""};
+    Take();
+    page.SettingsFromFileBrowse.UserClick();
+    EXPECT_THAT(
+        Take(),
+        ElementsAre("file-dialog Select Configuration File | Cabinet Files (*.cab)|*.cab |  -> cancel"))
+        << text;
+    EXPECT_EQ(page.SettingsFromFilePath.Text(), text);
+  }
+}
+
 TEST_F(ConfigSourceTest, BackGoesToTheWelcomePageInSettingsFileMode) {
   page.Back->UserClick();
   EXPECT_THAT(Take(), Contains("page frmWelcome"));

@@ -161,5 +161,27 @@ TEST_F(DestinationTest, BrowseUsesItsTitle) {
   EXPECT_EQ(page.DestConfigFolder.Text(), "C:\\Picked");
 }
 
+TEST_F(DestinationTest, AnOldFileThatCannotBeDeletedKeepsThePage) {
+  machine.files.AddFile("C:\\Out\\KTECFG.CAB", "old");
+  machine.files.FailAlways(FileOperation::kDeleteFile, "C:\\Out\\KTECFG.CAB", kErrorSharingViolation);
+  Type("C:\\Out");
+  machine.dialogs.answers = {Answer::kOk};
+  EXPECT_THAT(Next(), Not(Contains("page frmType")));
+  EXPECT_EQ(machine.files.Content("C:\\Out\\KTECFG.CAB"), "old");
+}
+
+TEST_F(DestinationTest, BackFromAFilledBoxChecksIt) {
+  Type("Out");
+  page.Back->UserClick();
+  EXPECT_THAT(Take(), Not(Contains("page frmConfigSource")));
+  EXPECT_TRUE(page.Visible());
+}
+
+TEST_F(DestinationTest, WithoutFeaturesBackGoesToTheWelcomePage) {
+  run.AnyFeatureInstalled = false;
+  page.Back->UserClick();
+  EXPECT_THAT(Take(), ElementsAre("page frmWelcome", "hide frmDestination"));
+}
+
 }  // namespace
 }  // namespace kw

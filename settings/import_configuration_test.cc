@@ -1,5 +1,6 @@
 #include "settings/import_configuration.h"
 
+#include "package/staging.h"
 #include "settings/settings_test_support.h"
 
 namespace kw {
@@ -201,6 +202,48 @@ TEST_F(ImportConfigurationTest, UnreadableFirewallPreferencesAreToldAndTheImport
   members["BulwarkPrefs.CFG"] = "enciphered:[prefs]";
   EXPECT_TRUE(Import());
   EXPECT_EQ(machine.files.Content(run.ConfigAppDataFolder + "\\BulwarkPrefs.TXT"), "[prefs]");
+}
+
+TEST_F(ImportConfigurationTest, ThePasswordsOutliveTheAttemptToDeleteThem) {
+  machine.processes.On("regedit.exe /s", [this](const FakeCommand&) {
+    SetStagingDword("", "DeltaConfig", 0);
+    for (const char* name : {"CAP", "NCAP"})
+      machine.registry.SetText(Hive::kCurrentUser, Staging(""), name, "sealed");
+    machine.registry.SetText(Hive::kCurrentUser, Staging(""), "Language", "0000");
+  });
+  EXPECT_TRUE(Import());
+  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_EQ(machine.registry.Get(Hive::kCurrentUser, Staging(""), "CAP").Text(), "sealed");
+  EXPECT_EQ(machine.registry.Get(Hive::kCurrentUser, Staging(""), "NCAP").Text(), "sealed");
+}
+
+TEST_F(ImportConfigurationTest, ARefusedFileLeavesItsFolderAndTheBranchesAreClearedAlready) {
+  SetStagingDword("", "before", 1);
+  members = {{"KTE700.CFG", "garbage"}};
+  EXPECT_FALSE(Import());
+  EXPECT_FALSE(HasStaging(""));
+  EXPECT_THAT(machine.files.Tree("C:\\Temp\\run"), ::testing::Contains(::testing::EndsWith("\\KTE700.CFG")));
+  EXPECT_TRUE(machine.files.FolderExists(run.ConfigAppDataFolder));
+  EXPECT_EQ(run.ConfigAppDataFolder, "C:\\Temp\\run\\config");
+}
+
+TEST_F(ImportConfigurationTest, TheComparisonBranchHoldsWhatTheStagingBranchHolds) {
+  machine.registry.SetText(Hive::kCurrentUser, "SOFTWARE\\Orvantic\\ZED_Backup", "stale", "x");
+  EXPECT_TRUE(Import());
+  std::vector<std::string> copy = machine.registry.Dump(Hive::kCurrentUser, "SOFTWARE\\Orvantic\\ZED_Backup");
+  for (std::string& line : copy) {
+    if (line.starts_with("[")) line.replace(line.find("ZED_Backup"), 10, "ZED");
+  }
+  EXPECT_EQ(copy, machine.registry.Dump(Hive::kCurrentUser, Staging("")));
+}
+
+TEST_F(ImportConfigurationTest, AFileOfTheInstalledProductsLanguageIsTaken) {
+  run.ProductInstalled = true;
+  machine.registry.SetText(Hive::kLocalMachine, ConsolePluginKey(run.ProductIs700), "Language", "040a");
+  language = "040A";
+  EXPECT_TRUE(Import());
+  EXPECT_THAT(Messages(), IsEmpty());
+  EXPECT_EQ(run.ProductLocale, "040A");
 }
 
 }  // namespace

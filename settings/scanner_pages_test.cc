@@ -162,6 +162,71 @@ TEST_F(ScannerPagesTest, TransferFlushesOnlyPagesWhoseFlagIsClear) {
   EXPECT_THAT(Commands(), ElementsAre("OasCfg32 /FLUSHSETTINGS /ZEDW", "TxDesk /ALERT /FLUSHSETTINGS /ZEDW"));
 }
 
+TEST_F(ScannerPagesTest, ACancelledBeaconryDialogWithNothingFlushedLeavesNoKey) {
+  const std::string alerts = "\\Kestrane Enterprise\\CurrentVersion\\Alerts\\CurrentVersion";
+  machine.processes.On("TxDesk /ALERT /ZEDRW", [&](const FakeCommand&) {
+    machine.registry.AddKey(testing::Hive::kCurrentUser, Staging(alerts));
+  });
+  Show<frmBeaconryClient>().ConfigureSettings.UserClick();
+  EXPECT_FALSE(HasStaging(alerts));
+  run.SettingsFromSystem = false;
+  table.Get<frmBeaconryClient>().ConfigureSettings.UserClick();
+  EXPECT_TRUE(HasStaging(alerts));
+}
+
+TEST_F(ScannerPagesTest, ACancelledInterfaceDialogLeavesItsEmptyKeys) {
+  machine.processes.On("TxDesk /UIOPTIONS", [this](const FakeCommand&) {
+    machine.registry.AddKey(testing::Hive::kCurrentUser, Staging("\\UI"));
+  });
+  Show<frmUIOptions>().ConfigureSettings.UserClick();
+  EXPECT_FALSE(run.changes.ConfigChangedUi);
+  EXPECT_TRUE(HasStaging("\\UI"));
+}
+
+TEST_F(ScannerPagesTest, WithoutTheMailFeatureTheMailPageCallsNothing) {
+  run.HasEmailScanFeature = false;
+  Show<frmEmailScan>().ConfigureSettings.UserClick();
+  EXPECT_THAT(Take(),
+              ElementsAre("message Configuring the On-Delivery Scan properties failed. Please make sure that "
+                          "Kestrane Enterprise is installed properly."));
+}
+
+TEST_F(ScannerPagesTest, AFileSourceAlwaysEditsTheStagedMailSettings) {
+  run.SettingsFromSystem = false;
+  Show<frmEmailScan>().ConfigureSettings.UserClick();
+  EXPECT_THAT(machine.transcript.Lines(), ::testing::Contains(::testing::HasSubstr("(window, 1, 3, 0)")));
+}
+
+TEST_F(ScannerPagesTest, FailuresToFlushAreNotTold) {
+  for (const char* tool : {"OasCfg32", "TxDesk"}) machine.processes.On(tool, 1);
+  machine.libraries.Raise("Emal_ConfigZED", 53);
+  table.Get<frmOnAccessMonitor>().TransferSettings();
+  table.Get<frmEmailScan>().TransferSettings();
+  table.Get<frmBeaconryClient>().TransferSettings();
+  table.Get<frmUIOptions>().TransferSettings();
+  EXPECT_EQ(machine.files.CurrentFolder(), "C:\\Kitwright");
+  EXPECT_THAT(machine.transcript.Lines(),
+              ::testing::Not(::testing::Contains(::testing::StartsWith("message"))));
+}
+
+TEST_F(ScannerPagesTest, CancellingEverythingWhileAToolRunsLeavesNothingThatItSavesLater) {
+  auto& page = Show<frmOnAccessMonitor>();
+  machine.processes.On("OasCfg32",
+                       platform::testing::FakeProcesses::Script{
+                           1, 2, 0, [this](const FakeCommand&) { SetStagingDword("", "bOasCfg32", 1); }, {}});
+  host.meanwhile.push_back([&] {
+    machine.dialogs.answers = {testing::Answer::kOk};
+    page.Cancel->UserClick();
+  });
+  page.ConfigureSettings.UserClick();
+  EXPECT_TRUE(host.Ended());
+  EXPECT_FALSE(HasStaging(""));
+  EXPECT_FALSE(machine.files.FolderExists("C:\\Temp\\run"));
+  // Nobody is there to be told that the tool failed.
+  EXPECT_THAT(machine.transcript.Lines(),
+              ::testing::Not(::testing::Contains(::testing::StartsWith("message"))));
+}
+
 TEST_F(ScannerPagesTest, ReviewLinesFollowTheFlags) {
   EXPECT_THAT(Choices<frmOnAccessMonitor>(),
               ElementsAre("\tOn-Access Scan Properties were not configured.", ""));

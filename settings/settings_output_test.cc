@@ -306,6 +306,31 @@ TEST_F(SettingsOutputTest, AValueThatDoesNotFitTheBufferStays) {
   EXPECT_TRUE(Staged("\\x", "long"));
 }
 
+TEST_F(SettingsOutputTest, ADefaultValueAndALongNameAreNeverStripped) {
+  const std::string fits(254, 'n');
+  const std::string long_name(255, 'n');
+  Both("\\x", "", "same", "same");
+  Both("\\x", fits.c_str(), "same", "same");
+  Both("\\x", long_name.c_str(), "same", "same");
+  StripUnchangedValues(app.Context(), "");
+  EXPECT_TRUE(Staged("\\x", ""));
+  EXPECT_FALSE(Staged("\\x", fits.c_str()));
+  EXPECT_TRUE(Staged("\\x", long_name.c_str()));
+}
+
+TEST_F(SettingsOutputTest, TextsThatDifferInTheirTerminatorDiffer) {
+  machine.registry.Set(Hive::kLocalMachine, Live("\\x"), "v", {platform::kRegSz, "a", 0});
+  machine.registry.SetText(Hive::kCurrentUser, Staging("\\x"), "v", "a");
+  StripUnchangedValues(app.Context(), "");
+  EXPECT_TRUE(Staged("\\x", "v"));
+}
+
+TEST_F(SettingsOutputTest, ADriveRootTakesTheFile) {
+  run.DestinationFolder = "C:";
+  EXPECT_TRUE(Add());
+  EXPECT_EQ(machine.files.Content("C:\\KTECFG.CAB"), "cabinet");
+}
+
 TEST_F(SettingsOutputTest, AFileSourceIsComparedWithItsCopy) {
   run.SettingsFromSystem = false;
   Both("\\x", "live", "1", "1");

@@ -15,6 +15,8 @@ namespace {
 using platform::Answer;
 using platform::Hive;
 
+/// Counters of default names have 32 bits.
+constexpr long long kLargestCounter = 0x7FFFFFFF;
 constexpr const char* kDeletedTasksKey = "SOFTWARE\\Orvantic\\ZED\\Deleted Tasks";
 
 }  // namespace
@@ -137,7 +139,8 @@ std::string TaskPage::NextFreeName(const std::string& base) const {
       const std::string_view rest =
           TrimBlanks(std::string_view(name).substr(std::min(name.size(), base.size() + 1)));
       const bool is_number = !rest.empty() && rest.find_first_not_of("0123456789") == std::string_view::npos;
-      if (is_number && counter <= LeadingInteger(rest)) counter = LeadingInteger(rest) + 1;
+      const long long number = LeadingInteger(rest);
+      if (is_number && counter <= number && number < kLargestCounter) counter = number + 1;
     }
     candidate = base + " " + std::to_string(counter);
   }

@@ -103,6 +103,100 @@ TEST_F(TaskPagesTest, DefaultNamesDependOnTheOrderOfTheRows) {
   EXPECT_EQ(name_after({"NEW SCAN TASK 2"}), "New Scan Task 3");
 }
 
+TEST_F(TaskPagesTest, NumbersTooBigForADefaultNameDoNotCount) {
+  ui::Grid& grid = Scans().Grid;
+  grid.SetRows(3);
+  for (const char* name : {"New Scan Task 99999999999999999999", "New Scan Task 2147483647",
+                           "New Scan Task -7", "New Scan Task 7x", "New Scan Task7"}) {
+    grid.SetCell(1, 1, name);
+    EXPECT_EQ(Scans().NewTaskName(), "New Scan Task 1") << name;
+  }
+}
+
+TEST_F(TaskPagesTest, ANameThatDoesNotFitTheBufferGivesTheDefaultName) {
+  AddLiveTask("{A}", std::string(254, 'a').c_str());
+  AddLiveTask("{B}", std::string(255, 'b').c_str());
+  Scans().ReadConfig();
+  EXPECT_EQ(Scans().Grid.Cell(2, 1), std::string(254, 'a'));
+  EXPECT_EQ(Scans().Grid.Cell(3, 1), "New Scan Task");
+}
+
+TEST_F(TaskPagesTest, ValuesOfAnotherTypeCountAsMissing) {
+  AddLiveTask("{A}", "Weekly");
+  for (const char* name : {"bSchedEnabled", "wTaskType", "bMirrorTask"}) {
+    machine.registry.SetText(Hive::kLocalMachine, LiveVersion("\\Tasks\\{A}"), name, "5");
+  }
+  machine.registry.SetDword(Hive::kLocalMachine, LiveVersion("\\Tasks\\{B}"), "szTaskName", 7);
+  Scans().ReadConfig();
+  EXPECT_THAT(Rows(Scans().Grid),
+              ElementsAre("Default Task|No||DefaultTask", "Weekly|No||{A}", "New Scan Task|No||{B}", "|||"));
+  Updates().ReadConfig();
+  EXPECT_THAT(Rows(Updates().Grid), ElementsAre("|||"));
+}
+
+TEST_F(TaskPagesTest, AFileSourceListsTheStagedTasksByTheirKind) {
+  AddLiveTask("{L}", "Live");
+  run.SettingsFromSystem = false;
+  AddTask(Hive::kCurrentUser, kStagingVersionKey, "{5}", "Five", 5);
+  AddTask(Hive::kCurrentUser, kStagingVersionKey, "{N}", "None");
+  Scans().ReadConfig();
+  Updates().ReadConfig();
+  EXPECT_THAT(Rows(Scans().Grid), ElementsAre("Default Task|No||DefaultTask", "None|No||{N}", "|||"));
+  EXPECT_THAT(Rows(Updates().Grid), ElementsAre("Five|No|Update|{5}", "|||"));
+}
+
+TEST_F(TaskPagesTest, AnEditWithoutTheToolNamesNoEmptyKey) {
+  AddLiveTask("{C}", "Fetch", 5, true);
+  Updates().ReadConfig();
+  Show<frmAutoUpdate>();
+  machine.registry.AddKey(Hive::kCurrentUser, StagingVersion("\\Tasks\\{C}"));
+  host.modals.push_back([](ui::Form& form) {
+    auto& dialog = dynamic_cast<frmAddTask&>(form);
+    dialog.TaskName.UserType("Fetch now");
+    EXPECT_TRUE(dialog.OK.Enabled());
+    dialog.OK.UserClick();
+  });
+  Updates().EditButton->UserClick();
+  EXPECT_FALSE(HasStaging("\\Kestrane Enterprise\\CurrentVersion\\Tasks\\{C}"));
+  EXPECT_TRUE(run.changes.ConfigChangedUpdate);
+  EXPECT_THAT(Rows(Updates().Grid), ElementsAre("Fetch|No|Update|{C}", "|||"));
+}
+
+TEST_F(TaskPagesTest, AnEmptyNameDisablesConfigureAndOk) {
+  AddLiveTask("{C}", "Fetch", 5);
+  Updates().ReadConfig();
+  Show<frmAutoUpdate>();
+  host.modals.push_back([](ui::Form& form) {
+    auto& dialog = dynamic_cast<frmAddTask&>(form);
+    EXPECT_EQ(dialog.Caption(), "Edit AutoUpdate Task");
+    EXPECT_EQ(dialog.ConfigureSettings.Text(), "&Configure AutoUpdate Properties");
+    // Its own name is no other row's.
+    dialog.TaskName.UserType("FETCH");
+    EXPECT_TRUE(dialog.OK.Enabled());
+    dialog.TaskName.UserType("");
+    EXPECT_FALSE(dialog.ConfigureSettings.Enabled());
+    EXPECT_FALSE(dialog.OK.Enabled());
+    dialog.Cancel.UserClick();
+  });
+  Updates().EditButton->UserClick();
+}
+
+TEST_F(TaskPagesTest, AToolRunThatChangesNothingLeavesOkAsItIsForAnEdit) {
+  AddLiveTask("{C}", "Fetch", 5);
+  Updates().ReadConfig();
+  Show<frmAutoUpdate>();
+  host.modals.push_back([](ui::Form& form) {
+    auto& dialog = dynamic_cast<frmAddTask&>(form);
+    dialog.ConfigureSettings.UserClick();
+    EXPECT_FALSE(dialog.OK.Enabled());
+    dialog.TaskName.UserType("Other");
+    dialog.ConfigureSettings.UserClick();
+    EXPECT_TRUE(dialog.OK.Enabled());
+    dialog.Cancel.UserClick();
+  });
+  Updates().EditButton->UserClick();
+}
+
 TEST_F(TaskPagesTest, UpdateAndMirrorTasksCountApart) {
   AddLiveTask("{C}", "New Update Task 1", 5);
   AddLiveTask("{D}", "New Mirror Task 1", 5, false, true);
@@ -274,6 +368,50 @@ TEST_F(TaskPagesTest, DeletingMarksTheTaskAndSetsNoFlag) {
   EXPECT_THAT(Rows(Updates().Grid), ElementsAre("Other|No|Update|{D}", "|||"));
   EXPECT_EQ(machine.registry.Get(Hive::kCurrentUser, Staging("\\Deleted Tasks"), "{C}").Dword(0), 1u);
   EXPECT_FALSE(run.changes.ConfigChangedUpdate);
+}
+
+TEST_F(TaskPagesTest, DeletingKeepsTheRowNumberSelected) {
+  for (const char* id : {"{A}", "{B}", "{C}"}) AddLiveTask(id, id, 5);
+  Updates().ReadConfig();
+  Show<frmAutoUpdate>();
+  Updates().Grid.UserPick(2);
+  machine.dialogs.answers = {Answer::kOk, Answer::kOk};
+  Updates().DeleteButton->UserClick();
+  EXPECT_EQ(Updates().Grid.SelectedRow(), 2);
+  EXPECT_EQ(Updates().Grid.Cell(2, 1), "{C}");
+  Updates().DeleteButton->UserClick();
+  // The blank last row is never left selected.
+  EXPECT_EQ(Updates().Grid.SelectedRow(), 1);
+}
+
+TEST_F(TaskPagesTest, DeletingAStagedTaskTakesItsKeyInPackageModeAfterOneQuestion) {
+  run.PackageMode = true;
+  run.SettingsFromSystem = false;
+  AddTask(Hive::kCurrentUser, kStagingVersionKey, kOnDemand, "Fetch", 5);
+  Updates().ReadConfig();
+  Updates().Show();
+  Updates().ReplaceTasks->UserClick();
+  machine.dialogs.answers = {Answer::kOk};
+  Take();
+  Updates().DeleteButton->UserClick();
+  EXPECT_THAT(
+      Take(),
+      Contains("question This item will be deleted:<LF><LF>  Task name: Fetch<LF>  Scheduled: No<LF>  "
+               "Task type: Update [OK|Cancel] default=OK -> OK"));
+  EXPECT_FALSE(HasStaging(std::string("\\Kestrane Enterprise\\CurrentVersion\\Tasks\\") + kOnDemand));
+}
+
+TEST_F(TaskPagesTest, TheStrongerQuestionNeedsReplacedTasks) {
+  run.PackageMode = true;
+  AddLiveTask(kOnDemand, "Scan All Fixed Disks");
+  Scans().ReadConfig();
+  Scans().Show();
+  Scans().Grid.UserPick(2);
+  machine.dialogs.answers = {Answer::kCancel};
+  Take();
+  Scans().DeleteButton->UserClick();
+  EXPECT_THAT(Take(), Contains(::testing::StartsWith("question This item will be deleted:")));
+  EXPECT_EQ(Scans().Grid.Rows(), 4);
 }
 
 TEST_F(TaskPagesTest, TheFixedUpdateTaskCannotBeDeleted) {
