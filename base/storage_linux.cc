@@ -8,6 +8,7 @@
 
 #include "base/errno_number_linux.h"
 #include "base/storage.h"
+#include "base/uninterrupted_linux.h"
 
 namespace kw {
 namespace {
@@ -26,9 +27,9 @@ class PosixFile : public StorageFile {
   Result<size_t> ReadAt(uint64_t offset, std::span<std::byte> buffer) override {
     size_t done = 0;
     while (done < buffer.size()) {
-      const ssize_t got =
-          ::pread(fd_, buffer.data() + done, buffer.size() - done, static_cast<off_t>(offset + done));
-      if (got < 0 && errno == EINTR) continue;
+      const ssize_t got = Uninterrupted([&] {
+        return ::pread(fd_, buffer.data() + done, buffer.size() - done, static_cast<off_t>(offset + done));
+      });
       if (got < 0) return Failure("read", path_);
       if (got == 0) break;
       done += static_cast<size_t>(got);
@@ -39,9 +40,9 @@ class PosixFile : public StorageFile {
   Status WriteAt(uint64_t offset, std::span<const std::byte> data) override {
     size_t done = 0;
     while (done < data.size()) {
-      const ssize_t put =
-          ::pwrite(fd_, data.data() + done, data.size() - done, static_cast<off_t>(offset + done));
-      if (put < 0 && errno == EINTR) continue;
+      const ssize_t put = Uninterrupted([&] {
+        return ::pwrite(fd_, data.data() + done, data.size() - done, static_cast<off_t>(offset + done));
+      });
       if (put < 0) return Failure("write", path_);
       if (put == 0) return Error{kErrorDiskFull, "Could not write " + path_ + ": no space."};
       done += static_cast<size_t>(put);
@@ -56,12 +57,13 @@ class PosixFile : public StorageFile {
   }
 
   Status Truncate(uint64_t size) override {
-    if (::ftruncate(fd_, static_cast<off_t>(size)) != 0) return Failure("resize", path_);
+    const auto resize = [&] { return ::ftruncate(fd_, static_cast<off_t>(size)); };
+    if (Uninterrupted(resize) != 0) return Failure("resize", path_);
     return {};
   }
 
   Status Sync() override {
-    if (::fdatasync(fd_) != 0) return Failure("write", path_);
+    if (Uninterrupted([&] { return ::fdatasync(fd_); }) != 0) return Failure("write", path_);
     return {};
   }
 
@@ -94,7 +96,7 @@ class PosixStorage : public Storage {
       errno = EACCES;
       return Failure("write", path);
     }
-    const int fd = ::open(path.c_str(), flags, 0666);
+    const int fd = Uninterrupted([&] { return ::open(path.c_str(), flags, 0666); });
     if (fd < 0) return Failure("open", path);
     if (::fstat(fd, &info) == 0 && S_ISDIR(info.st_mode)) {
       ::close(fd);

@@ -92,6 +92,14 @@ bool ValidatePath(platform::Services& services, std::string_view label, const st
   return ValidatePath(services, label, path, in_out, false);
 }
 
+Result<bool> FileIsThere(platform::Services& services, const std::string& path) {
+  const auto file = services.files->GetFile(path);
+  if (file.ok()) return true;
+  const int number = file.error().number;
+  if (number == kErrorFileNotFound || number == kErrorPathNotFound) return false;
+  return file.error();
+}
+
 std::string BrowseForFolder(platform::Services& services, const std::string& title,
                             const std::string& start_folder) {
   return services.dialogs->BrowseForFolder(title, start_folder);

@@ -35,6 +35,10 @@ bool ValidatePath(platform::Services& services, std::string_view label, const st
 bool ValidatePath(platform::Services& services, std::string_view label, const std::string& path,
                   unsigned checks);
 
+/// Whether there is a file; an error where the system cannot tell, so that a file which cannot be looked at
+/// is not taken for one that is missing.
+Result<bool> FileIsThere(platform::Services& services, const std::string& path);
+
 /// The platform's folder dialog; "" when cancelled.
 std::string BrowseForFolder(platform::Services& services, const std::string& title,
                             const std::string& start_folder);

@@ -155,7 +155,8 @@ class Rebuild {
       // The file bears the key, not its name. A row without its file has taken a number and is passed over.
       const std::string key = record->StringData(1);
       const std::string path = run_.TempFolder + "\\CabData\\" + key;
-      if (context_.services.files->FileExists(path)) lines.push_back("\"" + path + "\" \"" + key + "\"");
+      KW_ASSIGN_OR_RETURN(const bool there, FileIsThere(context_.services, path));
+      if (there) lines.push_back("\"" + path + "\" \"" + key + "\"");
     }
     files->Close();
     return {};

@@ -101,6 +101,14 @@ TEST_F(CabinetRebuildTest, ARowWithoutItsFileTakesANumberAndIsPassedOver) {
   for (const std::string& line : Directives()) EXPECT_EQ(line.find("help.chm"), std::string::npos);
 }
 
+TEST_F(CabinetRebuildTest, AFileThatCannotBeLookedAtFailsTheRebuildAndIsTold) {
+  machine.files.FailNext(platform::testing::FileOperation::kGetFile, run.CabDataFolder + "\\help.chm",
+                         kErrorAccessDenied);
+  EXPECT_FALSE(Rebuild());
+  EXPECT_THAT(Take(), Contains(::testing::AllOf(::testing::StartsWith("message "),
+                                                ::testing::HasSubstr("CabData\\help.chm"))));
+}
+
 TEST_F(CabinetRebuildTest, ShortSourceNamesStayInTheWordCount) {
   auto summary = run.WorkingDatabase->SummaryInformation(1);
   ASSERT_TRUE(summary.ok());

@@ -205,8 +205,9 @@ void frmCommonUpdater::AddChoices(ui::ListBox& list) {
 }
 
 bool frmCommonUpdater::SaveConfig() {
-  bool stored = true;
-  if (run_.PackageMode && services_.files->FileExists(WorkingList())) stored = StoreList();
+  const auto has_list = FileIsThere(services_, WorkingList());
+  bool stored = has_list.ok();
+  if (run_.PackageMode && stored && *has_list) stored = StoreList();
   if (!NewCommonAgentFile.Text().starts_with(kInPackage) && !StoreAgent().ok()) stored = false;
   if (!stored) services_.dialogs->Message("Could not copy AutoUpdate configuration files.");
   return stored;

@@ -417,6 +417,14 @@ TEST_F(CommonUpdaterTest, AListOfTheOlderLevelThatCannotBeCopiedFailsTheStepWith
   EXPECT_EQ(Steps().back(), "message Could not copy AutoUpdate configuration files.");
 }
 
+TEST_F(CommonUpdaterTest, AListThatCannotBeLookedAtFailsTheStepAndIsTold) {
+  machine.files.AddFile(kWorking, kPackageList);
+  Open();
+  machine.files.FailNext(FileOperation::kGetFile, kWorking, kErrorAccessDenied);
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_EQ(Steps().back(), "message Could not copy AutoUpdate configuration files.");
+}
+
 TEST_F(CommonUpdaterTest, WithoutAListAndWithThePackagesAgentNothingIsWritten) {
   run.ProductInstalled = false;
   Open();

@@ -94,16 +94,16 @@ class Output {
   bool EncipherFiles() {
     if (!EncryptFile(services_, Folder("KTE700.REG"), Folder("KTE700.CFG"))) return false;
     for (const frmRegistrySettings::Slot* slot : registry_page_.ChosenSlots()) {
-      if (slot->box->Text().empty() || !services_.files->FileExists(slot->path)) continue;
-      if (!EncryptFile(services_, slot->path, Folder(std::string(slot->base_name) + ".CFG"))) return false;
+      if (!slot->box->Text().empty() && !EncipherIfPresent(slot->path, std::string(slot->base_name) + ".CFG"))
+        return false;
     }
-    return EncipherIfPresent("SiteList.XML", "SiteList.CFG") &&
-           EncipherIfPresent("BulwarkPrefs.TXT", "BulwarkPrefs.CFG");
+    return EncipherIfPresent(Folder("SiteList.XML"), "SiteList.CFG") &&
+           EncipherIfPresent(Folder("BulwarkPrefs.TXT"), "BulwarkPrefs.CFG");
   }
 
-  bool EncipherIfPresent(const char* plain, const char* enciphered) {
-    return !services_.files->FileExists(Folder(plain)) ||
-           EncryptFile(services_, Folder(plain), Folder(enciphered));
+  bool EncipherIfPresent(const std::string& plain, const std::string& enciphered) {
+    const auto there = FileIsThere(services_, plain);
+    return there.ok() && (!*there || EncryptFile(services_, plain, Folder(enciphered)));
   }
 
   bool Deliver() {
@@ -178,14 +178,18 @@ Status MakeSettingsCabinet(PageContext& context) {
       ".Set DiskDirectoryTemplate=" + quoted(folder),
       quoted(folder + "\\KTE700.CFG"),
   };
-  const auto list_if_there = [&](const std::string& name) {
-    if (services.files->FileExists(folder + "\\" + name)) lines.push_back(quoted(folder + "\\" + name));
+  const auto list_if_there = [&](const std::string& name) -> Status {
+    const std::string path = folder + "\\" + name;
+    KW_ASSIGN_OR_RETURN(const bool there, FileIsThere(services, path));
+    if (there) lines.push_back(quoted(path));
+    return {};
   };
   for (const frmRegistrySettings::Slot* slot : context.navigator.Get<frmRegistrySettings>().ChosenSlots()) {
-    if (!slot->box->Text().empty()) list_if_there(std::string(slot->base_name) + ".CFG");
+    if (slot->box->Text().empty()) continue;
+    KW_RETURN_IF_ERROR(list_if_there(std::string(slot->base_name) + ".CFG"));
   }
-  list_if_there("SiteList.CFG");
-  list_if_there("BulwarkPrefs.CFG");
+  KW_RETURN_IF_ERROR(list_if_there("SiteList.CFG"));
+  KW_RETURN_IF_ERROR(list_if_there("BulwarkPrefs.CFG"));
   std::string text;
   for (const std::string& line : lines) text.append(line).append("\r\n");
   KW_ASSIGN_OR_RETURN(const std::string bytes, Utf8ToCodePage(text, services.system->CodePage()));

@@ -190,6 +190,16 @@ TEST_F(SettingsOutputTest, EveryFileThatDoesNotEncipherStopsWithTheMessage) {
   }
 }
 
+TEST_F(SettingsOutputTest, AFileThatCannotBeLookedAtIsNotTakenForAMissingOne) {
+  machine.files.AddFile(Folder("SiteList.XML"), "plain");
+  machine.files.FailNext(FileOperation::kGetFile, Folder("SiteList.XML"), kErrorAccessDenied);
+  EXPECT_FALSE(Add());
+  EXPECT_THAT(Messages(), ElementsAre(kEncipherFailed));
+  machine.files.FailNext(FileOperation::kGetFile, Folder("SiteList.CFG"), kErrorAccessDenied);
+  EXPECT_FALSE(Add());
+  EXPECT_THAT(Messages(), ElementsAre(kCopyFailed));
+}
+
 TEST_F(SettingsOutputTest, AMakerThatLeavesNoCabinetShowsAtTheDelivery) {
   machine.processes.On("C:\\Kitwright\\MakeCab.exe", 1);
   machine.dialogs.answers = {Answer::kCancel};

@@ -8,6 +8,7 @@
 
 #include "base/errno_number_linux.h"
 #include "base/result.h"
+#include "base/uninterrupted_linux.h"
 #include "platform/embedded/host_file.h"
 
 namespace kw::platform::embedded {
@@ -20,10 +21,15 @@ struct Level {
   std::string path;
 };
 
+int OpenAt(const Level& at, int flags) {
+  flags |= O_RDONLY | O_CLOEXEC | O_NOFOLLOW;
+  return Uninterrupted([&] { return ::openat(at.parent, at.name.c_str(), flags); });
+}
+
 int DeleteEntry(const Level& at, const struct stat& info, bool force) {
   if (S_ISREG(info.st_mode)) {
     if ((info.st_mode & S_IWUSR) == 0 && !force) return kErrorAccessDenied;
-    const OwnedFd file(::openat(at.parent, at.name.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const OwnedFd file(OpenAt(at, O_NONBLOCK));
     if (file.valid()) {
       const int number = LockFile(file.get(), true);
       if (number != 0) return number;
@@ -40,7 +46,7 @@ int DeleteLevel(const Level& at, bool force, const HostStatus& keep, std::string
   }
   if (!S_ISDIR(info.st_mode)) return DeleteEntry(at, info, force);
 
-  const OwnedFd folder(::openat(at.parent, at.name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+  const OwnedFd folder(OpenAt(at, O_DIRECTORY));
   if (!folder.valid()) return ErrorNumberOfErrno(errno);
   // In the order of listings, so that a failure leaves the same behind each time.
   std::vector<std::string> names;

@@ -9,6 +9,8 @@
 #include <cstring>
 #include <utility>
 
+#include "base/uninterrupted_linux.h"
+
 namespace kw::platform::embedded {
 
 FileLock::FileLock(std::string path) : path_(std::move(path)) {}
@@ -18,13 +20,10 @@ FileLock::~FileLock() {
 }
 
 Status FileLock::Acquire(Mode mode) {
-  if (fd_ < 0) fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  int result = -1;
-  while (fd_ >= 0 && result != 0) {
-    result = ::flock(fd_, mode == Mode::kShared ? LOCK_SH : LOCK_EX);
-    if (result != 0 && errno != EINTR) break;
-  }
-  if (result != 0) return {kErrorAccessDenied, "Could not lock " + path_ + ": " + std::strerror(errno) + "."};
+  if (fd_ < 0) fd_ = Uninterrupted([&] { return ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666); });
+  const int how = mode == Mode::kShared ? LOCK_SH : LOCK_EX;
+  if (fd_ < 0 || Uninterrupted([&] { return ::flock(fd_, how); }) != 0)
+    return {kErrorAccessDenied, "Could not lock " + path_ + ": " + std::strerror(errno) + "."};
   return {};
 }
 

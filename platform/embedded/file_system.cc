@@ -9,6 +9,7 @@
 
 #include "base/errno_number_linux.h"
 #include "base/text.h"
+#include "base/uninterrupted_linux.h"
 #include "platform/embedded/delete_tree.h"
 #include "platform/embedded/host_file.h"
 #include "platform/shared/file_errors.h"
@@ -24,8 +25,8 @@ class HostFileHandle : public FileHandle {
     std::string bytes(length, '\0');
     size_t done = 0;
     while (done < length) {
-      const ssize_t got = ::read(fd_.get(), bytes.data() + done, length - done);
-      if (got < 0 && errno == EINTR) continue;
+      const ssize_t got =
+          Uninterrupted([&] { return ::read(fd_.get(), bytes.data() + done, length - done); });
       if (got < 0) return FileError(ErrorNumberOfErrno(errno), "read", path_);
       if (got == 0) break;
       done += static_cast<size_t>(got);
@@ -41,7 +42,7 @@ class HostFileHandle : public FileHandle {
   }
 
   Status Flush() override {
-    if (::fdatasync(fd_.get()) == 0 || errno == EINVAL) return {};
+    if (Uninterrupted([&] { return ::fdatasync(fd_.get()); }) == 0 || errno == EINVAL) return {};
     return FileError(ErrorNumberOfErrno(errno), "write", path_);
   }
 
@@ -66,10 +67,11 @@ Spot Look(const MachinePaths& paths, const std::string& path) {
   return spot;
 }
 
-// Why there is nothing at the spot.
+// Why there is nothing at the spot, or nothing that can be looked at.
 int MissingNumber(const Spot& spot) {
   if (spot.host.empty()) return kErrorPathNotFound;
   if (!spot.allowed) return kErrorInvalidName;
+  if (spot.status.refusal != 0) return spot.status.refusal;
   return HostStatus::Of(HostParent(spot.host)).IsFolder() ? kErrorFileNotFound : kErrorPathNotFound;
 }
 
@@ -95,7 +97,7 @@ int ReplaceNumber(const Spot& spot) {
 
 // Opens the file at the spot and takes its lock.
 int OpenLocked(const Spot& spot, int flags, bool exclusive, OwnedFd& fd) {
-  fd = OwnedFd(::open(spot.host.c_str(), flags | O_CLOEXEC, 0666));
+  fd = OwnedFd(Uninterrupted([&] { return ::open(spot.host.c_str(), flags | O_CLOEXEC, 0666); }));
   return fd.valid() ? LockFile(fd.get(), exclusive) : ErrorNumberOfErrno(errno);
 }
 
@@ -141,7 +143,8 @@ Result<std::vector<FileEntry>> EmbeddedFileSystem::List(const std::string& folde
     const bool bad_name = !spot.host.empty() && !spot.allowed;
     return FileError(bad_name ? kErrorInvalidName : kErrorPathNotFound, "list", folder);
   }
-  const OwnedFd open(::open(spot.host.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const OwnedFd open(
+      Uninterrupted([&] { return ::open(spot.host.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
   std::vector<std::string> names;
   const int number = open.valid() ? NamesInFolder(open.get(), names) : ErrorNumberOfErrno(errno);
   if (number != 0) return FileError(number, "list", folder);

@@ -14,6 +14,7 @@
 #include "base/errno_number_linux.h"
 #include "base/result.h"
 #include "base/text.h"
+#include "base/uninterrupted_linux.h"
 
 namespace kw::platform::embedded {
 namespace {
@@ -41,6 +42,7 @@ OwnedFd::~OwnedFd() {
 HostStatus HostStatus::Of(const std::string& path) {
   HostStatus status;
   status.exists = ::stat(path.c_str(), &status.info) == 0;
+  if (!status.exists && errno != ENOENT && errno != ENOTDIR) status.refusal = ErrorNumberOfErrno(errno);
   return status;
 }
 
@@ -56,7 +58,8 @@ std::string HostName(const std::string& path) {
 }
 
 int LockFile(int fd, bool exclusive) {
-  if (::flock(fd, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB) == 0) return 0;
+  const int how = (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB;
+  if (Uninterrupted([&] { return ::flock(fd, how); }) == 0) return 0;
   // A file system without locks has nobody who could hold one.
   return errno == EWOULDBLOCK ? static_cast<int>(kErrorSharingViolation) : 0;
 }
@@ -82,8 +85,7 @@ int NamesInFolder(int folder, std::vector<std::string>& names) {
 
 int WriteAll(int fd, std::string_view bytes) {
   while (!bytes.empty()) {
-    const ssize_t put = ::write(fd, bytes.data(), bytes.size());
-    if (put < 0 && errno == EINTR) continue;
+    const ssize_t put = Uninterrupted([&] { return ::write(fd, bytes.data(), bytes.size()); });
     if (put < 0) return ErrorNumberOfErrno(errno);
     if (put == 0) return kErrorDiskFull;
     bytes.remove_prefix(static_cast<size_t>(put));
@@ -98,9 +100,8 @@ int ReadAll(int fd, std::string& bytes) {
   for (;;) {
     const size_t have = bytes.size();
     bytes.resize(have + kChunk);
-    const ssize_t got = ::read(fd, bytes.data() + have, kChunk);
+    const ssize_t got = Uninterrupted([&] { return ::read(fd, bytes.data() + have, kChunk); });
     bytes.resize(have + (got > 0 ? static_cast<size_t>(got) : 0));
-    if (got < 0 && errno == EINTR) continue;
     if (got < 0) return ErrorNumberOfErrno(errno);
     if (got == 0) return 0;
   }
@@ -109,8 +110,7 @@ int ReadAll(int fd, std::string& bytes) {
 int CopyAll(int from, int to) {
   const std::unique_ptr<char[]> buffer(new char[kChunk]);
   for (;;) {
-    const ssize_t got = ::read(from, buffer.get(), kChunk);
-    if (got < 0 && errno == EINTR) continue;
+    const ssize_t got = Uninterrupted([&] { return ::read(from, buffer.get(), kChunk); });
     if (got < 0) return ErrorNumberOfErrno(errno);
     if (got == 0) return 0;
     const int failed = WriteAll(to, {buffer.get(), static_cast<size_t>(got)});
@@ -129,7 +129,8 @@ int Replacement::Create() {
   const std::string start = HostParent(target_) + "/.kw-" + std::to_string(::getpid()) + "-";
   for (;;) {
     std::string path = start + std::to_string(count++);
-    fd_ = OwnedFd(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    fd_ = OwnedFd(
+        Uninterrupted([&] { return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666); }));
     if (fd_.valid()) {
       path_ = std::move(path);
       return 0;

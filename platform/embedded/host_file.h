@@ -28,9 +28,11 @@ class OwnedFd {
   int fd_;
 };
 
-/// What is at a host path, following links. `exists` false also when it cannot be looked at.
+/// What is at a host path, following links. `exists` false also when it cannot be looked at: then `refusal` is
+/// the number of the error, and 0 when there is nothing.
 struct HostStatus {
   bool exists = false;
+  int refusal = 0;
   struct stat info {};
   bool IsFolder() const { return exists && S_ISDIR(info.st_mode); }
   bool IsFile() const { return exists && !S_ISDIR(info.st_mode); }

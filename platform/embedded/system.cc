@@ -15,6 +15,7 @@
 #include "base/machine_config.h"
 #include "base/storage.h"
 #include "base/text.h"
+#include "base/uninterrupted_linux.h"
 
 namespace kw::platform::embedded {
 namespace {
@@ -103,7 +104,8 @@ std::string EmbeddedSystem::SpecialFolder(int id) {
 bool EmbeddedSystem::PreviousInstance() {
   if (asked_) return previous_;
   asked_ = true;
-  claim_ = OwnedFd(::open((root_ + "/instance.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+  claim_ = OwnedFd(Uninterrupted(
+      [&] { return ::open((root_ + "/instance.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666); }));
   previous_ = claim_.valid() && LockFile(claim_.get(), true) != 0;
   return previous_;
 }

@@ -37,7 +37,11 @@ std::string IniProfileFiles::ReadString(const std::string& path, std::string_vie
 Status IniProfileFiles::WriteString(const std::string& path, std::string_view section,
                                     std::optional<std::string_view> key,
                                     std::optional<std::string_view> value) {
-  const bool is_new = !files_.FileExists(path);
+  const auto there = files_.GetFile(path);
+  const bool is_new = !there.ok();
+  // A file that cannot be looked at must not be taken for a new one.
+  if (is_new && there.error().number != kErrorFileNotFound && there.error().number != kErrorPathNotFound)
+    return there.status();
   if (is_new && (!key || !value)) return {};
   std::string old;
   if (!is_new) {

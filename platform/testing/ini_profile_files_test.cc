@@ -43,6 +43,16 @@ TEST(IniProfileFiles, AFileThatCannotBeReadIsNotReplaced) {
   EXPECT_EQ(files.Content("C:\\a.ini"), "[S]\r\na=1\r\n");
 }
 
+TEST(IniProfileFiles, AFileThatCannotBeLookedAtIsNotReplaced) {
+  FakeFileSystem files;
+  FakeSystem system;
+  IniProfileFiles profile(files, system);
+  files.AddFile("C:\\a.ini", "[S]\r\na=1\r\n");
+  files.FailNext(FileOperation::kGetFile, "C:\\a.ini", kErrorAccessDenied);
+  EXPECT_EQ(profile.WriteString("C:\\a.ini", "S", "a", "2").number(), kErrorAccessDenied);
+  EXPECT_EQ(files.Content("C:\\a.ini"), "[S]\r\na=1\r\n");
+}
+
 TEST(IniProfileFiles, DeletingInAMissingFileMakesNone) {
   FakeFileSystem files;
   FakeSystem system;

@@ -15,8 +15,9 @@ class ScratchFolder {
   ScratchFolder() {
     std::random_device numbers;
     std::error_code error;
-    for (int i = 0; i < 100 && path_.empty(); ++i) {
-      const auto path = std::filesystem::temp_directory_path() / ("bulwark-" + std::to_string(numbers()));
+    const std::filesystem::path temp = std::filesystem::temp_directory_path(error);
+    for (int i = 0; i < 100 && !temp.empty() && path_.empty(); ++i) {
+      const auto path = temp / ("bulwark-" + std::to_string(numbers()));
       if (std::filesystem::create_directory(path, error)) path_ = path.string();
     }
   }

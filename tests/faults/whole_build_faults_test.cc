@@ -1,0 +1,349 @@
+// Whole builds by the real program, with every system call on a file made to fail in turn, in the wizard and
+// in the tools that it starts, and with the process killed around each call that changes the disk.
+//
+// A test takes a sample of the calls; with KITWRIGHT_FAULTS=all it takes them all, and with
+// KITWRIGHT_FAULTS=N about N.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/faults/package_dump.h"
+#include "tests/faults/wizard_run.h"
+
+namespace kw::faults {
+namespace {
+
+using ::testing::IsEmpty;
+
+constexpr const char* kDone = "This folder contains your customized";
+constexpr const char* kSettingsDone = "This file contains your customized";
+constexpr const char* kNotDone = "Kitwright did not complete successfully.";
+
+struct Scenario {
+  const char* name;
+  const char* script;
+  const char* level;
+  const char* output;  ///< the destination, below drive C
+  bool optimized = false;
+};
+void PrintTo(const Scenario& scenario, std::ostream* out) { *out << scenario.name; }
+
+std::string ScriptOf(const Scenario& scenario) {
+  std::string script = ReadHostFile(std::string(KITWRIGHT_SOURCE_DIR "/tests/faults/") + scenario.script);
+  const std::string plain = "click frmSourceAndDestination.Optimize\n";
+  if (const size_t at = script.find(plain); scenario.optimized && at != std::string::npos)
+    script.erase(at, plain.size());
+  return script;
+}
+
+std::string BuildCommands() {
+  std::string commands;
+  // Whoever is asked gives up.
+  for (int i = 0; i < 100; ++i) commands += "answer Cancel\n";
+  return commands +
+         "click frmReviewConfiguration.Save\nprint frmFinish\nprint frmFinish.lblFinalMessage\nclick "
+         "frmFinish.Exit\n";
+}
+
+/// Names of a destination's files that the console alone needs: their loss is a notice.
+bool IsConsoleFile(const std::string& name) {
+  static const std::set<std::string> kNames = {
+      "PkgCatalog.z",     "Install.pkg",      "KT710Det.TxS",    "KT700Det.TxS",       "BCN/PkgCatalog.z",
+      "BCN/BC470Det.TxS", "BWK/PkgCatalog.z", "BWK/Install.pkg", "BWK/BulwarkDet.TxS", "BWK/BULWARK80.OVP",
+      "BCN470.OVP",       "BULWARK80.OVP",    "ZEDInstall.txs"};
+  return kNames.contains(name);
+}
+
+/// What a copy that was cut off leaves under a name of its own, which begins with a dot.
+bool IsUnfinished(const std::string& name) { return name.substr(name.rfind('/') + 1).starts_with(".kw-"); }
+
+class WholeBuildFaults : public ::testing::TestWithParam<Scenario> {
+ protected:
+  WholeBuildFaults() : runs_(GetParam().level, ScriptOf(GetParam()), BuildCommands()) {
+    const Outcome outcome = runs_.Run({});
+    EXPECT_TRUE(outcome.Says(kDone) || outcome.Says(kSettingsDone));
+    EXPECT_THAT(outcome.Boxes(), IsEmpty());
+    good_ = Output();
+    good_package_ = DumpOf(PackagePath());
+    calls_ = runs_.Calls();
+    EXPECT_GT(calls_.size(), 300U);
+    EXPECT_LT(calls_.size(), FaultPlan::kMostCalls);
+  }
+
+  std::string PackagePath() const {
+    return runs_.Folder(GetParam().output) + "/Kte" + GetParam().level + ".msi";
+  }
+  Contents Output() const { return ContentsOf(runs_.Folder(GetParam().output)); }
+
+  /// Which of the calls that `wanted` holds of are to suffer, as their number among those of `kinds`.
+  /// In a sample each kind of call on each file of each program comes once before any comes twice.
+  std::vector<uint32_t> Choose(uint32_t kinds, uint32_t wanted,
+                               const std::function<bool(const CountedCall&)>& filter = nullptr) const {
+    struct Choice {
+      uint32_t number;
+      uint32_t times_before;
+    };
+    std::vector<Choice> choices;
+    std::map<std::string, uint32_t> seen;
+    uint32_t number = 0;
+    for (const CountedCall& call : calls_) {
+      if ((call.kind & kinds) == 0) continue;
+      ++number;
+      if ((call.kind & wanted) == 0 || (filter && !filter(call))) continue;
+      std::string path = call.path;
+      std::erase_if(path, [](char c) { return c >= '0' && c <= '9'; });
+      choices.push_back({number, seen[std::string(call.program) + call.call + path]++});
+    }
+    const char* asked = std::getenv("KITWRIGHT_FAULTS");
+    const size_t limit = !asked                        ? 5
+                         : std::string(asked) == "all" ? choices.size()
+                                                       : std::strtoul(asked, nullptr, 10);
+    std::stable_sort(choices.begin(), choices.end(),
+                     [](const Choice& a, const Choice& b) { return a.times_before < b.times_before; });
+    // Of the first of each, some from everywhere.
+    const size_t firsts =
+        std::max<size_t>(std::count_if(choices.begin(), choices.end(),
+                                       [](const Choice& choice) { return choice.times_before == 0; }),
+                         std::min(limit, choices.size()));
+    std::vector<uint32_t> numbers;
+    for (size_t i = 0; i < std::min(limit, firsts); ++i) {
+      const size_t at = limit >= firsts ? i : i * firsts / limit;
+      numbers.push_back(choices[at].number);
+    }
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+  }
+
+  /// What must hold after every run, whatever happened.
+  void ExpectMachineUnharmed(bool killed) {
+    for (const std::string& changed : runs_.ChangedFiles()) {
+      // Between the swap of the live list and its return lies no other way back than the run itself.
+      if (killed && changed.find("SiteList") != std::string::npos) continue;
+      ADD_FAILURE() << "changed on the machine: " << changed;
+    }
+  }
+
+  void ExpectNoBranchAfterNextStart() {
+    const std::string transcript = runs_.StartAgain();
+    EXPECT_NE(transcript.find("page frmWelcome"), std::string::npos) << transcript;
+    EXPECT_FALSE(runs_.HasStagingBranches());
+  }
+
+  /// True when the program ended by itself and told an end.
+  bool EndedWell(const Outcome& outcome) {
+    EXPECT_FALSE(outcome.hung);
+    EXPECT_TRUE(WIFEXITED(outcome.status) && WEXITSTATUS(outcome.status) == 0) << "status " << outcome.status;
+    const bool told = outcome.Says(kDone) || outcome.Says(kSettingsDone) || outcome.Says(kNotDone);
+    EXPECT_TRUE(told);
+    return told;
+  }
+
+  bool Succeeded(const Outcome& outcome) { return outcome.Says(kDone) || outcome.Says(kSettingsDone); }
+
+  /// A success is what a good build gives, but for what the user was told of.
+  void ExpectWholeOutput(const Outcome& outcome) {
+    const Contents output = Output();
+    const bool told = !outcome.Boxes().empty();
+    if (outcome.Says("An unoptimized package was created successfully")) {
+      EXPECT_FALSE(DumpOf(PackagePath()).begin()->starts_with("error:")) << "the package that stands";
+      for (const char* name : {"Setup.ini", "SETUP.EXE", "BCN/BCN470.msi", "BWK/Bulwark.EXE"})
+        EXPECT_TRUE(output.contains(name)) << name;
+      return;
+    }
+    for (const auto& [name, bytes] : good_) {
+      const auto place = output.find(name);
+      if (place != output.end() && place->second == bytes) continue;
+      if (place != output.end() && HoldsSettings(name) && SettingsMayLack(outcome)) {
+        // Whoever packs settings is not told of a product's tool that failed to hand out some.
+        EXPECT_TRUE(!name.ends_with(".msi") || DumpOf(PackagePath()) == good_package_) << name;
+        continue;
+      }
+      // Neither a line of the descriptor that is not written nor a late copy of the engine's text is told.
+      if (place != output.end() && (name.ends_with("Install.pkg") || name == "SIGTERMS.TXT")) continue;
+      const bool optional = IsConsoleFile(name) || !IsPackageItself(name);
+      EXPECT_TRUE(told && optional) << name << (place == output.end() ? " is missing" : " is another")
+                                    << " and nothing was said";
+    }
+    for (const auto& [name, bytes] : output) {
+      // A tool that is killed leaves what it had begun, and the wizard tells that there is no result. That
+      // the plain catalogue cannot be removed is passed over.
+      EXPECT_TRUE(good_.contains(name) || (told && name.ends_with(".new")) ||
+                  name.ends_with("PkgCatalog.XML"))
+          << "too much: " << name;
+    }
+  }
+
+  static bool HoldsSettings(const std::string& name) {
+    return name.ends_with(".msi") || name == "SETUP.EXE" || name == "KTECFG.CAB";
+  }
+
+  /// The fault met the settings on their way from the product.
+  static bool SettingsMayLack(const Outcome& outcome) {
+    for (const char* part :
+         {" machine/registry/", "/Program Files/", "OasCfg32: ", "OdsCfg32: ", "TxDesk: ", "TxFetch: "}) {
+      if (outcome.call.find(part) != std::string::npos) return true;
+    }
+    return false;
+  }
+
+  /// The files without which the output is no package.
+  static bool IsPackageItself(const std::string& name) {
+    static const std::set<std::string> kNames = {"Kte710.msi", "Kte700.msi", "Setup.ini", "SETUP.EXE",
+                                                 "KTECFG.CAB"};
+    return kNames.contains(name);
+  }
+
+  void ExpectNothingLeft(const Outcome& outcome) {
+    EXPECT_THAT(Output(), IsEmpty());
+    EXPECT_FALSE(runs_.IsFolder(GetParam().output)) << "the folder that the run made";
+    ExpectTempEmpty(outcome);
+  }
+
+  void ExpectTempEmpty(const Outcome& outcome) {
+    if (outcome.Says("Could not remove temporary files or folders.")) return;
+    std::vector<std::string> left;
+    for (const auto& [name, bytes] : ContentsOf(runs_.Folder("Temp"))) left.push_back(name);
+    EXPECT_THAT(left, IsEmpty()) << "in the temp folder, and nothing was said";
+  }
+
+  /// One call suffers, or `times` in a row: the build fails and leaves nothing, or succeeds as ever.
+  void SufferAndExpectAll(const Fault& fault, bool must_be_whole = false) {
+    SCOPED_TRACE("call " + std::to_string(fault.first));
+    const Outcome outcome = runs_.Run(fault);
+    SCOPED_TRACE(outcome.call);
+    std::string boxes;
+    for (const std::string& box : outcome.Boxes()) boxes += box + "\n";
+    SCOPED_TRACE(boxes);
+    if (EndedWell(outcome)) {
+      if (Succeeded(outcome)) {
+        ExpectWholeOutput(outcome);
+        ExpectTempEmpty(outcome);
+      } else {
+        EXPECT_FALSE(must_be_whole) << "the build failed";
+        EXPECT_FALSE(boxes.empty() && !outcome.Says(kNotDone));
+        ExpectNothingLeft(outcome);
+      }
+    }
+    ExpectMachineUnharmed(false);
+    ExpectNoBranchAfterNextStart();
+    ++suffered_;
+  }
+
+  /// The wizard dies at one call. Every file in the destination is a whole one, and databases open.
+  void DieAndExpectWholeFiles(const Fault& fault) {
+    SCOPED_TRACE("call " + std::to_string(fault.first));
+    const Outcome outcome = runs_.Run(fault);
+    SCOPED_TRACE(outcome.call);
+    EXPECT_FALSE(outcome.hung);
+    EXPECT_TRUE(outcome.Killed());
+    for (const auto& [name, bytes] : Output()) {
+      if (name.ends_with('/') || IsUnfinished(name)) continue;
+      // What lay there for a moment only, or is filled in a line at a time; the package stands without it.
+      if (name.ends_with("Install.pkg") || name.ends_with(".XML") || GetParam().optimized) continue;
+      const auto place = good_.find(name);
+      EXPECT_TRUE((place != good_.end() && place->second == bytes) ||
+                  bytes == ReadHostFile(runs_.Folder("Packages/Kestrane/") + name))
+          << name << " is not whole";
+    }
+    EXPECT_TRUE(Output().contains("PkgCatalog.z") || !Succeeded(outcome));
+    for (const std::string& folder : {runs_.Folder("Temp"), runs_.Folder("Out")}) {
+      for (const auto& [name, bytes] : ContentsOf(folder)) {
+        if (!name.ends_with(".msi")) continue;
+        EXPECT_TRUE(OpensForPeers(folder + "/" + name)) << name;
+        EXPECT_FALSE(DumpOf(folder + "/" + name).begin()->starts_with("error:")) << name;
+      }
+    }
+    ExpectMachineUnharmed(true);
+    ExpectNoBranchAfterNextStart();
+  }
+
+  static bool OpensForPeers(const std::string& msi) {
+    const std::string command =
+        "{ msiinfo suminfo '" + msi + "' && msiinfo export '" + msi + "' File; } >/dev/null 2>&1";
+    return std::system(command.c_str()) == 0;
+  }
+
+  WizardRuns runs_;
+  Contents good_;
+  std::set<std::string> good_package_;
+  std::vector<CountedCall> calls_;
+  int suffered_ = 0;
+};
+
+TEST_P(WholeBuildFaults, TwoRunsGiveTheSameBytes) {
+  runs_.Run({});
+  const Contents again = Output();
+  for (const auto& [name, bytes] : good_)
+    EXPECT_TRUE(again.contains(name) && again.at(name) == bytes) << name;
+  EXPECT_EQ(again.size(), good_.size());
+}
+
+TEST_P(WholeBuildFaults, ACallThatFailsWithAnInputOutputErrorFailsTheBuildCleanlyOrIsToldOrHealed) {
+  for (const uint32_t number : Choose(kAllCalls, kAllCalls & ~(kLook | kLock)))
+    SufferAndExpectAll({FaultMode::kFail, kAllCalls, EIO, number, 1});
+}
+
+TEST_P(WholeBuildFaults, ACallThatIsDeniedFailsTheBuildCleanlyOrIsToldOrHealed) {
+  constexpr uint32_t kDenied =
+      kOpenToRead | kOpenToWrite | kRename | kRemove | kMakeFolder | kAttributes | kList | kLook;
+  for (const uint32_t number : Choose(kAllCalls, kDenied))
+    SufferAndExpectAll({FaultMode::kFail, kAllCalls, EACCES, number, 1});
+}
+
+TEST_P(WholeBuildFaults, ADiskThatIsFullForAMomentFailsTheBuildCleanlyOrIsToldOrHealed) {
+  for (const uint32_t number : Choose(kAllCalls, kGrowingCalls))
+    SufferAndExpectAll({FaultMode::kFail, kAllCalls, ENOSPC, number, 1});
+}
+
+TEST_P(WholeBuildFaults, ADiskThatIsFullFromThenOnFailsTheBuildCleanlyOrIsTold) {
+  for (const uint32_t number : Choose(kGrowingCalls, kGrowingCalls))
+    SufferAndExpectAll({FaultMode::kFail, kGrowingCalls, ENOSPC, number, 1U << 30});
+}
+
+TEST_P(WholeBuildFaults, ShortReadsAndWritesChangeNothing) {
+  for (const uint32_t number : Choose(kAllCalls, kRead | kWrite))
+    SufferAndExpectAll({FaultMode::kShort, kAllCalls, 0, number, 1}, true);
+  SufferAndExpectAll({FaultMode::kShort, kRead | kWrite, 0, 1, 1U << 30}, true);
+}
+
+TEST_P(WholeBuildFaults, InterruptedCallsAreMadeAgain) {
+  // The firewall's stand-in library lists its scratch folder by the C++ library, which gives up.
+  const auto ours = [](const CountedCall& call) { return !std::string(call.path).starts_with("tmp/"); };
+  constexpr uint32_t kInterrupted = kRead | kWrite | kOpenToRead | kOpenToWrite | kSync | kLock;
+  for (const uint32_t number : Choose(kAllCalls, kInterrupted, ours))
+    SufferAndExpectAll({FaultMode::kFail, kAllCalls, EINTR, number, 1}, true);
+}
+
+TEST_P(WholeBuildFaults, AToolThatIsKilledFailsTheBuildCleanlyOrIsTold) {
+  const auto in_tool = [](const CountedCall& call) { return std::string(call.program) != "kitwright-drive"; };
+  for (const uint32_t number : Choose(kAllCalls, kChangingCalls | kRead, in_tool))
+    SufferAndExpectAll({FaultMode::kKillBefore, kAllCalls, 0, number, 1});
+}
+
+TEST_P(WholeBuildFaults, AWizardThatIsKilledLeavesWholeFilesAndNothingAfterItsNextStart) {
+  for (const FaultMode mode : {FaultMode::kKillWizardBefore, FaultMode::kKillWizardAfter}) {
+    for (const uint32_t number : Choose(kAllCalls, kChangingCalls))
+      DieAndExpectWholeFiles({mode, kAllCalls, 0, number, 1});
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Builds, WholeBuildFaults,
+                         ::testing::Values(Scenario{"package", "everything.kw", "710", "Out/Customised"},
+                                           Scenario{"optimized", "everything.kw", "710", "Out/Customised",
+                                                    true},
+                                           Scenario{"settings", "settings.kw", "710", "Out"}),
+                         [](const auto& scenario) { return scenario.param.name; });
+
+}  // namespace
+}  // namespace kw::faults
