@@ -1,7 +1,5 @@
 #include "cabinet/block_decoder.h"
 
-#include <libdeflate.h>
-
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -15,13 +13,10 @@ namespace kw::cabinet {
 namespace {
 
 constexpr size_t kBlocksInBatch = 16;
-constexpr size_t kPackedRoom = 192 * 1024;
+// Bytes that are read at once; more only where a batch needs them.
+constexpr size_t kReadSize = 192 * 1024;
 constexpr size_t kPackedBlockRoom = kDataRecordSize + 255 + kMaxCompressedBlock;
 constexpr size_t kHistory = kBlockSize;
-
-struct FreeDecompressor {
-  void operator()(libdeflate_decompressor* decompressor) const { libdeflate_free_decompressor(decompressor); }
-};
 
 enum class BlockState { kWaiting, kDone, kNeedsHistory, kBadChecksum, kBadData };
 
@@ -37,8 +32,7 @@ struct Block {
 // Some consecutive blocks of a folder. `content` is the history that they may refer to, and then what they
 // unpack to.
 struct Batch {
-  explicit Batch(size_t room)
-      : packed(std::min(kPackedRoom, room * kPackedBlockRoom)), content(kHistory + room * kBlockSize) {}
+  explicit Batch(size_t room) : packed(room * kPackedBlockRoom), content(kHistory + room * kBlockSize) {}
 
   std::vector<std::byte> packed;
   size_t packed_size = 0;
@@ -48,8 +42,7 @@ struct Batch {
   size_t first_block = 0;
   size_t needed_history = 0;
   std::vector<Block> blocks;
-  std::unique_ptr<libdeflate_decompressor, FreeDecompressor> alone{libdeflate_alloc_decompressor()};
-  HistoryInflater with_history;
+  HistoryInflater inflater;
   Workers::Task task;
 
   std::span<std::byte> OutOf(const Block& block) {
@@ -107,11 +100,27 @@ class Decoder {
     batch.content_size = 0;
     batch.first_block = blocks_read_;
     std::copy(carry_.begin(), carry_.end(), batch.packed.begin());
-    KW_ASSIGN_OR_RETURN(const size_t got,
-                        file_.ReadAt(position_, std::span(batch.packed).subspan(carry_.size())));
-    position_ += got;
-    batch.packed_size = carry_.size() + got;
+    batch.packed_size = carry_.size();
     size_t at = 0;
+    bool more = true;
+    while (more && blocks_read_ < folder_.blocks && batch.blocks.size() < room_) {
+      const size_t want = std::min(kReadSize, batch.packed.size() - batch.packed_size);
+      KW_ASSIGN_OR_RETURN(const size_t got,
+                          file_.ReadAt(position_, std::span(batch.packed).subspan(batch.packed_size, want)));
+      position_ += got;
+      batch.packed_size += got;
+      more = got > 0;
+      KW_RETURN_IF_ERROR(TakeBlocks(batch, at));
+    }
+    carry_.assign(batch.packed.begin() + static_cast<ptrdiff_t>(at),
+                  batch.packed.begin() + static_cast<ptrdiff_t>(batch.packed_size));
+    if (batch.blocks.empty()) return BlockError(blocks_read_, "is cut off");
+    return {};
+  }
+
+  // Takes the whole blocks that lie at `at` of what was read, as far as there is room, and moves `at` behind
+  // them.
+  Status TakeBlocks(Batch& batch, size_t& at) {
     while (blocks_read_ < folder_.blocks && batch.blocks.size() < room_) {
       if (batch.packed_size - at < record_size_) break;
       const std::byte* record = batch.packed.data() + at;
@@ -132,15 +141,13 @@ class Decoder {
       at += record_size_ + packed;
       ++blocks_read_;
     }
-    carry_.assign(batch.packed.begin() + static_cast<ptrdiff_t>(at),
-                  batch.packed.begin() + static_cast<ptrdiff_t>(batch.packed_size));
-    if (batch.blocks.empty()) return BlockError(blocks_read_, "is cut off");
     return {};
   }
 
   // Runs in a worker. `before` is the batch before this one, unless this is the first.
   void Unpack(Batch& batch, Batch* before) {
     batch.needed_history = 0;
+    bool looks_outside = batch.content_size < kHistory;  // a short batch hands on bytes of the one before
     for (Block& block : batch.blocks) {
       const uint32_t told = GetU32(block.record);
       if (told != 0 && told != Checksum(block.checked, Checksum(block.data, 0))) {
@@ -151,16 +158,17 @@ class Decoder {
       } else {
         UnpackAlone(batch, block);
       }
-      if (block.state == BlockState::kNeedsHistory) ++batch.needed_history;
+      if (block.state != BlockState::kNeedsHistory) continue;
+      ++batch.needed_history;
+      looks_outside |= block.out_offset < kHistory;
     }
-    // A short batch hands on bytes of the one before as history.
-    if (batch.needed_history > 0 || batch.content_size < kHistory) FetchHistory(batch, before);
+    if (looks_outside) FetchHistory(batch, before);
     for (Block& block : batch.blocks) {
       if (block.state != BlockState::kNeedsHistory) continue;
       const size_t history = batch.first_block > 0 ? kHistory : std::min(block.out_offset, kHistory);
-      const std::byte* start = batch.content.data() + kHistory + block.out_offset - history;
+      std::byte* start = batch.content.data() + kHistory + block.out_offset - history;
       const bool good =
-          batch.with_history.Inflate(block.data.subspan(2), {start, history}, batch.OutOf(block));
+          batch.inflater.InflateBehind(block.data.subspan(2), history, {start, history + block.out_size});
       block.state = good ? BlockState::kDone : BlockState::kBadData;
     }
   }
@@ -170,12 +178,11 @@ class Decoder {
       block.state = BlockState::kBadData;
       return;
     }
-    block.state = BlockState::kNeedsHistory;
-    if (!batch.try_alone || batch.alone == nullptr) return;
-    const std::span<std::byte> out = batch.OutOf(block);
-    const auto result = libdeflate_deflate_decompress(batch.alone.get(), block.data.data() + 2,
-                                                      block.data.size() - 2, out.data(), out.size(), nullptr);
-    if (result == LIBDEFLATE_SUCCESS) block.state = BlockState::kDone;
+    // A batch whose first block stands alone need not wait for the one before.
+    const bool worth_a_try = batch.try_alone || &block == &batch.blocks.front();
+    block.state = worth_a_try && batch.inflater.InflateAlone(block.data.subspan(2), batch.OutOf(block))
+                      ? BlockState::kDone
+                      : BlockState::kNeedsHistory;
   }
 
   void FetchHistory(Batch& batch, const Batch* before) {

@@ -2,36 +2,27 @@
 #define KITWRIGHT_CABINET_BLOCK_ENCODER_H_
 
 #include <cstddef>
-#include <memory>
 #include <span>
 
-struct libdeflate_compressor;
-struct z_stream_s;
+#include "cabinet/match_finder.h"
 
 namespace kw::cabinet {
 
-/// Packs one block of at most kBlockSize bytes as MSZIP: the mark "CK" and one DEFLATE stream. Blocks are
-/// packed without what came before them, so that any number of threads gives the same bytes. docs/cabinets.md
-/// holds the measurements behind the choice of encoder. One encoder serves one thread at a time.
+/// Packs consecutive blocks as MSZIP: the mark "CK" and one DEFLATE stream each, which may refer to the block
+/// before. The bytes depend on nothing but the blocks since the last Restart. docs/cabinets.md holds the
+/// measurements behind the way of packing. One encoder serves one thread at a time.
 class BlockEncoder {
  public:
-  BlockEncoder();
+  /// The next block must be understood without what came before it.
+  void Restart() { finder_.Restart(); }
 
-  /// Packs `block` into `out`, which holds at least kMaxCompressedBlock bytes; gives the packed size. Data
-  /// that does not shrink is stored inside the stream.
-  size_t Encode(std::span<const std::byte> block, std::span<std::byte> out);
+  /// Packs the `size` (at most kBlockSize) bytes at `offset` of `content` into `out`, which holds at least
+  /// kMaxCompressedBlock bytes; gives the packed size. All blocks since Restart lie in front of it in
+  /// `content`, all but the last of full size. Data that does not shrink is stored inside the stream.
+  size_t Encode(const std::byte* content, size_t offset, size_t size, std::span<std::byte> out);
 
  private:
-  struct Free {
-    void operator()(libdeflate_compressor* compressor) const;
-  };
-  struct FreeStream {
-    void operator()(z_stream_s* stream) const;
-  };
-  size_t EncodeCarefully(std::span<const std::byte> block, std::span<std::byte> out);
-
-  std::unique_ptr<libdeflate_compressor, Free> compressor_;
-  std::unique_ptr<z_stream_s, FreeStream> careful_;  // made when first needed
+  MatchFinder finder_;
 };
 
 }  // namespace kw::cabinet

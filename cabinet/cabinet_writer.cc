@@ -10,8 +10,9 @@
 namespace kw::cabinet {
 namespace {
 
-// Blocks that one task packs. Fixed, since what is chosen inside a task must not depend on the threads.
-constexpr size_t kBlocksInBatch = 8;
+// Blocks that one task packs, and the number of blocks after which one stands alone, so that batches can be
+// packed and unpacked beside each other. Fixed, since the bytes must not depend on the threads.
+constexpr size_t kBlocksInBatch = 16;
 constexpr size_t kBatchSize = kBlocksInBatch * kBlockSize;
 constexpr size_t kPackedBlockRoom = kDataRecordSize + kMaxCompressedBlock;
 
@@ -26,13 +27,14 @@ struct Batch {
 
   void Pack(bool compress) {
     packed_size = 0;
+    encoder.Restart();
     for (size_t pos = 0; pos < content_size; pos += kBlockSize) {
       const std::span block(content.data() + pos, std::min(kBlockSize, content_size - pos));
       std::byte* record = packed.data() + packed_size;
       std::byte* data = record + kDataRecordSize;
       size_t size = block.size();
       if (compress) {
-        size = encoder.Encode(block, {data, kMaxCompressedBlock});
+        size = encoder.Encode(content.data(), pos, block.size(), {data, kMaxCompressedBlock});
       } else {
         std::memcpy(data, block.data(), size);
       }

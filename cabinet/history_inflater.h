@@ -4,25 +4,31 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <vector>
+
+struct libdeflate_decompressor;
 
 namespace kw::cabinet {
 
-/// Unpacks a DEFLATE stream that may refer to bytes before it. Which library does it is chosen when building:
-/// ISA-L, or zlib where that is not to be had. One inflater serves one thread at a time.
+/// Unpacks DEFLATE streams that may refer to bytes before them. One inflater serves one thread at a time.
 class HistoryInflater {
  public:
   HistoryInflater();
-  ~HistoryInflater();
-  HistoryInflater(HistoryInflater&&) noexcept;
 
-  /// Unpacks `packed` so that it fills `out` exactly; false when the data is bad or gives another size.
-  /// `history` is what came before, at most 32 KiB.
-  bool Inflate(std::span<const std::byte> packed, std::span<const std::byte> history,
-               std::span<std::byte> out);
+  /// Unpacks `packed` so that it fills `out` exactly; false when the data is bad, refers to anything before
+  /// it, or gives another size.
+  bool InflateAlone(std::span<const std::byte> packed, std::span<std::byte> out);
+
+  /// Likewise, but `packed` may refer to the first `history` (at most 32 KiB) bytes of `out`, and unpacks to
+  /// the rest of it. The history is written over with the same bytes.
+  bool InflateBehind(std::span<const std::byte> packed, size_t history, std::span<std::byte> out);
 
  private:
-  struct State;
-  std::unique_ptr<State> state_;
+  struct Free {
+    void operator()(libdeflate_decompressor* decompressor) const;
+  };
+  std::unique_ptr<libdeflate_decompressor, Free> decompressor_;
+  std::vector<std::byte> joined_;
 };
 
 }  // namespace kw::cabinet

@@ -22,7 +22,6 @@ packages=(
   pkg-config
   # Cabinets
   libdeflate-dev
-  libisal-dev
   libmspack-dev
   # Help books
   fp-utils
@@ -62,7 +61,6 @@ if [[ ${1:-} == --windows ]]; then
     libtool
     libz-mingw-w64-dev
     make
-    nasm
   )
 fi
 

@@ -83,14 +83,6 @@ build_libdeflate() {
   cp "$sources/libdeflate/libdeflate.h" "$prefix/include/"
   cp "$sources/libdeflate/libdeflatestatic.lib" "$prefix/lib/libdeflate.a"
 }
-build_libisal() {
-  make -C "$sources/libisal" -f Makefile.unx arch=mingw CC=x86_64-w64-mingw32-gcc-posix \
-    AR=x86_64-w64-mingw32-ar host_cpu=x86_64 AS=nasm lib -j"$jobs"
-  mkdir -p "$prefix/include/isa-l" "$prefix/lib"
-  cp "$sources/libisal/include/"*.h "$prefix/include/isa-l/"
-  cp "$sources/libisal/isa-l.h" "$prefix/include/" 2>/dev/null || true
-  find "$sources/libisal/bin" -name 'isa-l.a' -exec cp {} "$prefix/lib/libisal.a" \;
-}
 build_libmspack() {
   (cd "$sources/libmspack" && { [[ -x configure ]] || autoreconf -fi; } &&
     ./configure --host=x86_64-w64-mingw32 --prefix="$prefix" --disable-shared --enable-static \
@@ -120,7 +112,7 @@ build_wxwidgets3_2() {
     -DwxUSE_MEDIACTRL=OFF -DwxUSE_WEBVIEW=OFF -DwxUSE_OPENGL=OFF
 }
 
-for name in pugixml libdeflate libisal libmspack googletest libsodium libzip wxwidgets3.2; do
+for name in pugixml libdeflate libmspack googletest libsodium libzip wxwidgets3.2; do
   library "$name"
 done
 echo "$prefix" >&3
