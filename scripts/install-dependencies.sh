@@ -28,7 +28,9 @@ packages=(
   # Tests
   libgmock-dev
   libgtest-dev
-  # Windows without a display: virtual display, window manager, keyboard and mouse, screenshots
+  # Windows without a display: virtual display, window manager, keyboard and mouse, screenshots, accessibility bus
+  at-spi2-core
+  dbus-daemon
   imagemagick
   openbox
   xauth

@@ -13,4 +13,13 @@ void SetAccessibleName(wxWindow* window, const wxString& name) {
   if (!holds_content && window->GetLabel().empty()) window->SetLabel(name);
 }
 
+void SetAccessibleDescription(wxWindow* window, const wxString& description) {
+  window->SetHelpText(description);
+}
+
+void SetAccessibleId(wxWindow* window, const wxString& id) { window->SetName(id); }
+
+// The system knows dialogs by the class of their windows.
+void MarkAsDialog(wxWindow*) {}
+
 }  // namespace kw::ui

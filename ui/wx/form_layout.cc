@@ -30,6 +30,8 @@ bool IsChoice(const Control& control) {
   return control.Kind() == ControlKind::kCheckBox || control.Kind() == ControlKind::kOption;
 }
 
+}  // namespace
+
 bool NeedsName(const Control& control) {
   switch (control.Kind()) {
     case ControlKind::kTextBox:
@@ -43,6 +45,8 @@ bool NeedsName(const Control& control) {
       return false;
   }
 }
+
+namespace {
 
 /// The control at the end, or at the beginning, of a part of the layout.
 const Control* Outermost(const Layout& layout, bool last) {
@@ -105,6 +109,10 @@ void FormLayout::PlanLabels(const Layout& layout) {
       const Control* label = Outermost(*before, true);
       const bool labels = label && (label->Kind() == ControlKind::kLabel || IsChoice(*label));
       if (named && NeedsName(*named) && labels) labels_[named] = label;
+      if (named && named->Kind() == ControlKind::kButton && label && NeedsName(*label) &&
+          layout.kind == Layout::Kind::kRow) {
+        fields_of_buttons_[named] = label;
+      }
     }
     PlanLabels(child);
     before = &child;

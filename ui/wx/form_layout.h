@@ -18,6 +18,9 @@ namespace kw::ui {
 /// the Tab order; the layout says inside what each of them stands.
 class ListSide;
 
+/// True for controls that bear no words of their own and are named by what stands before them.
+bool NeedsName(const Control& control);
+
 class FormLayout {
  public:
   using Maker = std::function<ControlView*(Control& control, wxWindow* parent)>;
@@ -29,6 +32,8 @@ class FormLayout {
   wxScrolledWindow* Scroller() const { return scroller_; }
   /// For each control with a label beside or above it, that label.
   const std::map<const Control*, const Control*>& Labels() const { return labels_; }
+  /// The field that stands before a button in the same row, by button.
+  const std::map<const Control*, const Control*>& FieldsOfButtons() const { return fields_of_buttons_; }
 
  private:
   /// What a control stands inside: the panel, the scroller, or the widget of a container control.
@@ -65,6 +70,7 @@ class FormLayout {
   std::map<const Control*, Place> places_;
   std::map<const Control*, ControlView*> views_;
   std::map<const Control*, const Control*> labels_;
+  std::map<const Control*, const Control*> fields_of_buttons_;
 };
 
 }  // namespace kw::ui

@@ -22,6 +22,8 @@ constexpr int kUsualWidth = 880;
 constexpr int kUsualHeight = 690;
 // A page never asks for more of the screen's height than this share; beyond it its content scrolls.
 constexpr double kScreenShare = 0.6;
+// The list of pages has the same name on every page.
+constexpr std::string_view kPageTree = "TreeView1";
 
 bool IsChoiceOn(const Control& control) {
   if (control.Kind() == ControlKind::kOption) return static_cast<const Option&>(control).Value();
@@ -39,7 +41,7 @@ bool BeginsHere(const Control& control) {
     case ControlKind::kGrid:
       return control.UserCanUse() && IsChoiceOn(control);
     case ControlKind::kTree:
-      return control.UserCanUse() && control.Name() != "TreeView1";
+      return control.UserCanUse() && control.Name() != kPageTree;
     default:
       return false;
   }
@@ -63,9 +65,7 @@ FormView::FormView(WxHost& host, Form& form, wxWindow* parent)
   scroller_ = layout.Scroller();
   for (ControlView* view : order_) view->Apply(Changes::All());
   ApplyFont();
-  for (const auto& [control, label] : layout.Labels()) {
-    SetAccessibleName(ViewOf(*control)->Window(), WithoutAccessKey(label->Text()));
-  }
+  NameForReaders(layout);
   if (scroller_) {
     // What the content needs depends on how its labels break, hence on the width that pages usually have.
     panel_->SetSize(ScaledSize(*panel_, wxSize(kUsualWidth, kUsualHeight)));
@@ -87,6 +87,27 @@ FormView::FormView(WxHost& host, Form& form, wxWindow* parent)
     event.Skip();
     if (event.GetWindow() != panel_ && event.GetWindow() != scroller_) last_focus_ = event.GetWindow();
   });
+}
+
+void FormView::NameForReaders(const FormLayout& layout) {
+  SetAccessibleId(panel_, ToWx(form_->Name()));
+  for (ControlView* view : order_) {
+    const Control& control = view->Shown();
+    SetAccessibleId(view->Window(), ToWx(form_->Name() + "." + control.Name()));
+    const auto label = layout.Labels().find(&control);
+    if (label != layout.Labels().end()) {
+      SetAccessibleName(view->Window(), WithoutAccessKey(label->second->Text()));
+    } else if (control.Name() == kPageTree) {
+      SetAccessibleName(view->Window(), "Pages");
+    } else if (NeedsName(control)) {
+      SetAccessibleName(view->Window(), ToWx(form_->Caption()));
+    }
+  }
+  for (const auto& [button, field] : layout.FieldsOfButtons()) {
+    const auto label = layout.Labels().find(field);
+    if (label == layout.Labels().end()) continue;
+    SetAccessibleDescription(ViewOf(*button)->Window(), WithoutAccessKey(label->second->Text()));
+  }
 }
 
 FormView::~FormView() {

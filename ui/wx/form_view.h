@@ -13,6 +13,7 @@
 
 namespace kw::ui {
 
+class FormLayout;
 class WxHost;
 
 /// The panel that shows one form, with a view of each of its controls. Changes of the form's state are
@@ -63,6 +64,9 @@ class FormView {
   void ForgetPainting() { painted_ = false; }
 
  private:
+  /// Gives the widgets the names that screen readers say, and those by which other programs find them.
+  void NameForReaders(const FormLayout& layout);
+
   WxHost& host_;
   Form* form_;
   wxPanel* panel_;

@@ -2,8 +2,12 @@
 #include <wx/settings.h>
 
 #include <algorithm>
+#include <functional>
+#include <map>
+#include <string>
 #include <utility>
 
+#include "ui/wx/accessibility.h"
 #include "ui/wx/art.h"
 #include "ui/wx/form_view.h"
 #include "ui/wx/label_text.h"
@@ -105,6 +109,17 @@ class NodeModel : public wxDataViewModel {
   int sign_edge_ = kSignEdge;
 };
 
+/// What the sign before a caption says, for those who do not see it.
+wxString SignInWords(const TreeNode& node) {
+  static const std::map<std::string, wxString, std::less<>> kWords = {{"Installed", "installed"},
+                                                                      {"NotInstalled", "not installed"},
+                                                                      {"1", "done"},
+                                                                      {"2", "done, not available"}};
+  const auto found = kWords.find(node.image);
+  if (found != kWords.end()) return found->second;
+  return node.grey ? "not available" : "";
+}
+
 class TreeView : public ControlView {
  public:
   TreeView(FormView& form, Tree& tree, wxWindow* parent)
@@ -132,6 +147,7 @@ class TreeView : public ControlView {
       // A double click was two clicks already; only the keyboard activates.
       if (!std::exchange(double_click_, false)) ClickFromKeyboard(event.GetItem());
     });
+    view_->Bind(wxEVT_DATAVIEW_SELECTION_CHANGED, [this](wxDataViewEvent&) { Describe(); });
     view_->Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [](wxDataViewEvent&) {});
     view_->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) { Key(event); });
   }
@@ -159,6 +175,16 @@ class TreeView : public ControlView {
  private:
   /// The page tree shows the present page as selected, others the node that was clicked last.
   void ApplySelection() {
+    Select();
+    Describe();
+  }
+
+  void Describe() {
+    const wxDataViewItem item = view_->GetSelection();
+    SetAccessibleDescription(view_, item.IsOk() ? SignInWords(model_->Node(IndexOf(item))) : wxString());
+  }
+
+  void Select() {
     int wanted = tree_.Selected();
     if (pages_) {
       for (int i = 0; i < model_->Count(); ++i) {

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "ui/form.h"
+#include "ui/wx/accessibility.h"
 #include "ui/wx/label_text.h"
 #include "ui/wx/status_window.h"
 #include "ui/wx/wizard_frame.h"
@@ -80,6 +81,7 @@ FormView& WxHost::Ensure(Form& form) {
   } else if (form.Style() == FormStyle::kDialog) {
     auto* dialog = new wxDialog(BoxParent(), wxID_ANY, ToWx(form.Caption()), wxDefaultPosition, wxDefaultSize,
                                 wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER);
+    MarkAsDialog(dialog);
     dialog->Bind(wxEVT_CLOSE_WINDOW, [this, shown = &form](wxCloseEvent& event) {
       event.Veto();
       CloseDialog(*shown);
