@@ -74,6 +74,7 @@ Turn TurnOf(CallKind kind, const char* call, const char* path) {
   if (plan == nullptr || plan->armed.load() == 0 || (plan->kinds & kind) == 0) return Turn::kGoOn;
   const size_t root = std::strlen(plan->root);
   if (std::strncmp(path, plan->root, root) != 0) return Turn::kGoOn;
+  if (std::strncmp(path + root, plan->below, std::strlen(plan->below)) != 0) return Turn::kGoOn;
   const uint32_t number = plan->counted.fetch_add(1) + 1;
   if (number <= FaultPlan::kMostCalls) {
     CountedCall& counted = plan->calls[number - 1];

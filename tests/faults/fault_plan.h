@@ -56,6 +56,7 @@ struct FaultPlan {
   static constexpr uint32_t kMostCalls = 1U << 15;
 
   char root[256];
+  char below[128];  ///< a folder below the root to which the plan is limited; "" for all
   std::atomic<uint32_t> armed;
   uint32_t kinds;
   FaultMode mode;

@@ -6,11 +6,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <ostream>
@@ -309,6 +311,52 @@ TEST_P(WholeBuildFaults, ADiskThatIsFullForAMomentFailsTheBuildCleanlyOrIsToldOr
 TEST_P(WholeBuildFaults, ADiskThatIsFullFromThenOnFailsTheBuildCleanlyOrIsTold) {
   for (const uint32_t number : Choose(kGrowingCalls, kGrowingCalls))
     SufferAndExpectAll({FaultMode::kFail, kGrowingCalls, ENOSPC, number, 1U << 30});
+}
+
+TEST_P(WholeBuildFaults, ADestinationThatIsFullFailsTheBuildCleanlyOrIsTold) {
+  const std::string below = std::string("machine/drive_c/") + GetParam().output;
+  const auto in_destination = [&](const CountedCall& call) {
+    return std::string(call.path).starts_with(below);
+  };
+  const size_t writes = std::count_if(calls_.begin(), calls_.end(), [&](const CountedCall& call) {
+    return in_destination(call) && (call.kind & kGrowingCalls) != 0;
+  });
+  ASSERT_GT(writes, 1U);
+  // From the first, from the last, and from some between.
+  for (const size_t step : {0, 1, 2, 3}) {
+    Fault fault{FaultMode::kFail, kGrowingCalls, ENOSPC, static_cast<uint32_t>(1 + (writes - 1) * step / 3),
+                1U << 30};
+    fault.below = GetParam().output;
+    SufferAndExpectAll(fault);
+  }
+}
+
+TEST_P(WholeBuildFaults, ADestinationThatTurnedReadOnlyFailsTheBuildAndIsLeftAsItWas) {
+  const std::string destination = runs_.Folder(GetParam().output);
+  const Outcome outcome = runs_.Run({}, [&] { ::chmod(destination.c_str(), 0555); });
+  EXPECT_TRUE(EndedWell(outcome));
+  EXPECT_TRUE(outcome.Says(kNotDone));
+  EXPECT_THAT(outcome.Boxes(), ::testing::Not(IsEmpty()));
+  ::chmod(destination.c_str(), 0755);
+  EXPECT_THAT(Output(), IsEmpty());
+  ExpectTempEmpty(outcome);
+  ExpectMachineUnharmed(false);
+  ExpectNoBranchAfterNextStart();
+}
+
+TEST_P(WholeBuildFaults, ASourceThatIsRemovedMeanwhileFailsThePackageCleanlyAndHarmsNoSettingsFile) {
+  const Outcome outcome =
+      runs_.Run({}, [&] { std::filesystem::remove_all(runs_.Folder("Packages/Kestrane")); });
+  EXPECT_TRUE(EndedWell(outcome));
+  if (std::string(GetParam().script) == "settings.kw") {
+    EXPECT_TRUE(Succeeded(outcome));
+    ExpectWholeOutput(outcome);
+  } else {
+    EXPECT_TRUE(outcome.Says(kNotDone));
+    EXPECT_THAT(outcome.Boxes(), ::testing::Not(IsEmpty()));
+    ExpectNothingLeft(outcome);
+  }
+  ExpectNoBranchAfterNextStart();
 }
 
 TEST_P(WholeBuildFaults, ShortReadsAndWritesChangeNothing) {

@@ -235,7 +235,7 @@ int WizardRuns::Start(int& to_wizard, int& from_wizard, bool with_faults) {
   return wizard;
 }
 
-Outcome WizardRuns::Run(const Fault& fault) {
+Outcome WizardRuns::Run(const Fault& fault, const std::function<void()>& meanwhile) {
   Restore();
   plan_->armed = 0;
   plan_->kinds = fault.kinds;
@@ -246,6 +246,8 @@ Outcome WizardRuns::Run(const Fault& fault) {
   plan_->counted = 0;
   plan_->suffered = 0;
   plan_->random = 0;
+  std::snprintf(plan_->below, sizeof plan_->below, "%s%s", fault.below.empty() ? "" : "machine/drive_c/",
+                fault.below.c_str());
   std::snprintf(plan_->root, sizeof plan_->root, "%s/", work_.c_str());
 
   Outcome outcome;
@@ -260,6 +262,7 @@ Outcome WizardRuns::Run(const Fault& fault) {
   const size_t begin = transcript.find(kArmLine);
   if (begin == std::string::npos)
     throw std::runtime_error("the run stopped before its build:\n" + transcript);
+  if (meanwhile) meanwhile();
   plan_->armed = 1;
   WriteAll(to, build_);
   ::close(to);

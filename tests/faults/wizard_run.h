@@ -1,6 +1,7 @@
 #ifndef KITWRIGHT_TESTS_FAULTS_WIZARD_RUN_H_
 #define KITWRIGHT_TESTS_FAULTS_WIZARD_RUN_H_
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -24,6 +25,7 @@ struct Fault {
   int error = 0;
   uint32_t first = 0;
   uint32_t times = 1;
+  std::string below = {};  ///< only on calls below this folder of drive C
 };
 
 struct Outcome {
@@ -49,7 +51,8 @@ class WizardRuns {
   WizardRuns(const WizardRuns&) = delete;
   WizardRuns& operator=(const WizardRuns&) = delete;
 
-  Outcome Run(const Fault& fault);
+  /// `meanwhile` is called when all is chosen, before the build begins.
+  Outcome Run(const Fault& fault, const std::function<void()>& meanwhile = nullptr);
   /// The calls that the last run counted.
   std::vector<CountedCall> Calls() const;
   /// Starts the wizard once more, cancels it on its first page, and gives its transcript.
