@@ -62,6 +62,20 @@ struct FeaturesTest : OpenPackageFixture, ::testing::Test {
   }
 };
 
+TEST_F(FeaturesTest, ItsTextsAreThoseOfTheProduct) {
+  Open();
+  EXPECT_EQ(page().Title.Text(), "Features");
+  EXPECT_EQ(page().Description.Text(), "Click on a feature to:");
+  EXPECT_EQ(page().Label1.Text(), "Include or exclude it in the custom installation.");
+  EXPECT_EQ(page().Label2.Text(),
+            "Make the feature invisible to prevent it from being modified during setup.");
+  std::vector<std::string> commands;
+  for (const char* name : {"IsLocal", "InstallSub", "NotLocal", "Invisible"})
+    commands.push_back(page().mnuFeatureState.Item(name).caption);
+  EXPECT_THAT(commands, ElementsAre("Install Feature", "Install Feature and Sub-Features",
+                                    "Do Not Install Feature", "Make Feature Invisible During Setup"));
+}
+
 TEST_F(FeaturesTest, SiblingsComeInTheOrderOfTheirDisplay) {
   Open();
   EXPECT_THAT(Items(), ElementsAre("Console=Installed", " On-access=Installed", "  Shell=NotInstalled",

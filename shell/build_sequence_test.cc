@@ -201,6 +201,38 @@ TEST_F(BuildTest, AFailedCabinetIsTold) {
   ExpectUndone();
 }
 
+/// The working database, but for a commit that fails.
+class UncommittedDatabase : public platform::Database {
+ public:
+  explicit UncommittedDatabase(std::shared_ptr<platform::Database> real) : real_(std::move(real)) {}
+  Result<std::unique_ptr<platform::View>> OpenView(std::string_view sql) override {
+    return real_->OpenView(sql);
+  }
+  Status Commit() override { return {kErrorDiskFull, "The disk is full."}; }
+  Status Export(const std::string& table, const std::string& folder, const std::string& file) override {
+    return real_->Export(table, folder, file);
+  }
+  Status Import(const std::string& folder, const std::string& file) override {
+    return real_->Import(folder, file);
+  }
+  Result<std::unique_ptr<platform::SummaryInfo>> SummaryInformation(int updates) override {
+    return real_->SummaryInformation(updates);
+  }
+
+ private:
+  std::shared_ptr<platform::Database> real_;
+};
+
+TEST_F(BuildTest, ADatabaseThatIsNotCommittedIsToldWithTheNumberOfTheError) {
+  OpenAndReview();
+  run.WorkingDatabase = std::make_shared<UncommittedDatabase>(run.WorkingDatabase);
+  const std::string working = run.WorkingMsiPath;
+  EXPECT_THAT(Save(), Contains("message Could not commit the temporary .MSI file " + working +
+                               " (112)<CR><LF>Kitwright cannot continue."));
+  EXPECT_EQ(steps.ran.back(), "CreateCabFile");
+  ExpectUndone();
+}
+
 TEST_F(BuildTest, ADatabaseThatIsNotCopiedIsTold) {
   OpenAndReview();
   const std::string working = run.WorkingMsiPath;
@@ -382,6 +414,14 @@ TEST_F(BuildTest, TheReviewListsEveryPageAtEachVisitAndFitsItsWidth) {
   review().Back->UserClick();
   table.GoToPage("Finish");
   EXPECT_EQ(review().List1.Count(), count);
+}
+
+TEST_F(BuildTest, TheReviewPageHasItsOwnTextsAndSaveInThePlaceOfNextAndFinish) {
+  EXPECT_EQ(review().Title.Text(), "Finish");
+  EXPECT_EQ(review().Description.Text(), "Review final configuration.");
+  EXPECT_EQ(review().Save->Text(), "&Save");
+  EXPECT_EQ(review().FindControl("Next"), nullptr);
+  EXPECT_EQ(review().FindControl("Finsh"), nullptr);
 }
 
 TEST_F(BuildTest, BackLeavesTheReviewPageWithoutACheck) {

@@ -49,6 +49,13 @@ struct FinishTest : ::testing::Test, testing::ShellFixture {
   }
 };
 
+TEST_F(FinishTest, ItsTextsAreThoseOfTheProduct) {
+  const frmFinish& finish = Show();
+  EXPECT_EQ(finish.Title.Text(), "Finish");
+  EXPECT_EQ(finish.Label4.Text(), "Operation complete.");
+  EXPECT_EQ(finish.cmdHelp.Text() + finish.Exit.Text(), "&Help&Exit");
+}
+
 TEST_F(FinishTest, APackageIsToldByItsFolder) {
   const frmFinish& finish = Show();
   EXPECT_EQ(finish.lblFinalMessage.Text(),

@@ -217,6 +217,16 @@ struct WelcomeTest : ::testing::Test, testing::ShellFixture {
   frmWelcome& welcome() { return table.Get<frmWelcome>(); }
 };
 
+TEST_F(WelcomeTest, ItsTextsAreThoseOfTheProduct) {
+  EXPECT_EQ(welcome().Label1.Text(), "Welcome");
+  EXPECT_EQ(welcome().Label4.Text(), "Welcome to Tamrix Kitwright.");
+  EXPECT_EQ(welcome().ModifyPackage.Text(),
+            "&Create a new installation package based on an existing package");
+  EXPECT_EQ(welcome().GenerateSettings.Text(),
+            "&Modify an existing installation by generating a new settings file");
+  EXPECT_EQ(welcome().Help.Text() + welcome().Next.Text() + welcome().Cancel.Text(), "&Help&Next >Cancel");
+}
+
 TEST_F(WelcomeTest, NextInPackageModeShowsTheFirstPageThenHides) {
   welcome().Show();
   Take();

@@ -193,6 +193,15 @@ TEST_F(SourcePageFolders, BothBrowseButtonsHaveTheSameTitleAndStartFromTheirBoxe
   EXPECT_EQ(page().SourceDir.Text(), "C:\\Source");
 }
 
+TEST_F(SourcePageFolders, ItsTextsAreThoseOfTheProduct) {
+  EXPECT_EQ(page().Title.Text(), "Source and Destination");
+  EXPECT_EQ(page().Description.Text(), "Specify source folder, destination folder and optimization option.");
+  EXPECT_EQ(page().Label2.Text() + page().Label3.Text(), "&Source folder:&Destination folder:");
+  EXPECT_EQ(page().SourceBrowse.Text() + page().DestinationBrowse.Text(), "B&rowse...Bro&wse...");
+  EXPECT_EQ(page().Optimize.Text(),
+            "Create an &optimized installation package (a minimum of 256 MB RAM is required)");
+}
+
 TEST_F(SourcePageFolders, TheReviewLinesNameBothFolders) {
   ui::ListBox& list =
       dynamic_cast<ui::ListBox&>(*table.FormByName("frmReviewConfiguration").FindControl("List1"));
