@@ -51,7 +51,12 @@ bool IsRepackerExe(platform::Services& services, const std::string& path) {
 }
 
 std::string NewTempPath(platform::Services& services, RunState& run) {
-  return services.system->TempFolder() + "\\" + MakeUniqueId(services, run);
+  // A run that was killed leaves its folder; its name comes again where the clock stands still or was put
+  // back.
+  for (;;) {
+    std::string path = services.system->TempFolder() + "\\" + MakeUniqueId(services, run);
+    if (!services.files->FolderExists(path)) return path;
+  }
 }
 
 Status EnsureTempFolder(platform::Services& services, RunState& run) {

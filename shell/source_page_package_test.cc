@@ -242,6 +242,16 @@ TEST_F(SourcePagePackage, AFailureThatNoRuleProvidesForIsToldAndTheNextAttemptSt
   EXPECT_TRUE(Opened());
 }
 
+TEST_F(SourcePagePackage, TheFolderOfARunThatWasKilledIsNotTakenForThisRunsOwn) {
+  const std::string left = NewTempPath(machine.services, run);
+  machine.files.AddFile(left + "\\Kte710.msi", "of the run before");
+  run.UniqueIdCounter = 0;  // another process at the same moment
+  Next();
+  EXPECT_TRUE(Opened());
+  EXPECT_NE(run.TempFolder, left);
+  EXPECT_EQ(machine.files.Content(left + "\\Kte710.msi"), "of the run before");
+}
+
 TEST_F(SourcePagePackage, ASecondClickWhileTheFirstRunsDoesNothing) {
   int starts = 0;
   machine.processes.On("CabArc X", [&](const platform::testing::FakeCommand&) {

@@ -72,7 +72,11 @@ int NamesInFolder(int folder, std::vector<std::string>& names) {
   const std::unique_ptr<DIR, Close> open(copy.valid() ? ::fdopendir(copy.get()) : nullptr);
   if (open == nullptr) return ErrorNumberOfErrno(errno);
   copy.Release();
-  while (const dirent* entry = ::readdir(open.get())) {
+  for (;;) {
+    errno = 0;
+    const dirent* const entry = ::readdir(open.get());
+    if (entry == nullptr && errno != 0) return ErrorNumberOfErrno(errno);
+    if (entry == nullptr) break;
     const std::string_view name = entry->d_name;
     if (name != "." && name != "..") names.emplace_back(name);
   }

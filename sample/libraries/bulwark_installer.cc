@@ -35,7 +35,10 @@ class ScratchFolder {
 
 Status WriteDescriptor(Storage& storage, const std::string& path, const BulwarkChoices& choices,
                        int code_page) {
-  const std::string present = ReadWholeFile(storage, path).value_or("[General]\r\nLangID=0000\r\n");
+  std::string present = "[General]\r\nLangID=0000\r\n";
+  if (storage.Exists(path)) {
+    KW_ASSIGN_OR_RETURN(present, ReadWholeFile(storage, path));
+  }
   formats::IniFile descriptor = formats::IniFile::Parse(present, code_page);
   KW_RETURN_IF_ERROR(descriptor.Write("General", "InstallPath", choices.install_folder));
   KW_RETURN_IF_ERROR(descriptor.Write("General", "STC", choices.managed ? "1" : "0"));

@@ -237,6 +237,19 @@ int WizardRuns::Start(int& to_wizard, int& from_wizard, bool with_faults) {
 
 Outcome WizardRuns::Run(const Fault& fault, const std::function<void()>& meanwhile) {
   Restore();
+  return RunScript(before_build_, fault, meanwhile);
+}
+
+Outcome WizardRuns::RunAfterwards() {
+  std::string script = before_build_;
+  const std::string destination = "C:\\Out";
+  const size_t at = script.find(destination);
+  if (at != std::string::npos) script.replace(at, destination.size(), "C:\\Out\\Afterwards");
+  return RunScript(script, {}, nullptr);
+}
+
+Outcome WizardRuns::RunScript(const std::string& before_build, const Fault& fault,
+                              const std::function<void()>& meanwhile) {
   plan_->armed = 0;
   plan_->kinds = fault.kinds;
   plan_->mode = fault.mode;
@@ -257,7 +270,7 @@ Outcome WizardRuns::Run(const Fault& fault, const std::function<void()>& meanwhi
   plan_->wizard = wizard;
   std::string transcript;
   const auto end = Clock::now() + kLongest;
-  WriteAll(to, before_build_ + kArmLine + "\n");
+  WriteAll(to, before_build + kArmLine + "\n");
   bool in_time = ReadUntil(from, kArmLine, transcript, end);
   const size_t begin = transcript.find(kArmLine);
   if (begin == std::string::npos)

@@ -53,6 +53,8 @@ class WizardRuns {
 
   /// `meanwhile` is called when all is chosen, before the build begins.
   Outcome Run(const Fault& fault, const std::function<void()>& meanwhile = nullptr);
+  /// A run without faults on the machine as the last one left it, into a destination of its own.
+  Outcome RunAfterwards();
   /// The calls that the last run counted.
   std::vector<CountedCall> Calls() const;
   /// Starts the wizard once more, cancels it on its first page, and gives its transcript.
@@ -68,6 +70,8 @@ class WizardRuns {
  private:
   void LayOut();
   void Restore();
+  Outcome RunScript(const std::string& before_build, const Fault& fault,
+                    const std::function<void()>& meanwhile);
   int Start(int& to_wizard, int& from_wizard, bool with_faults);
   std::map<std::string, std::string> Stamps() const;
 
