@@ -171,6 +171,12 @@ class WholeBuildFaults : public ::testing::TestWithParam<Scenario> {
         EXPECT_TRUE(!name.ends_with(".msi") || DumpOf(PackagePath()) == good_package_) << name;
         continue;
       }
+      // A script or plug-in for the console that cannot be copied is passed over, and a companion's folder
+      // that cannot be looked at is none.
+      if (place == output.end() &&
+          (name.ends_with(".TxS") || name == "BULWARK80.OVP" || name == "BCN470.OVP"))
+        continue;
+      if (outcome.call.ends_with(": stat machine/drive_c/Packages/Beaconry")) continue;
       // Neither a line of the descriptor that is not written nor a late copy of the engine's text is told.
       if (place != output.end() && (name.ends_with("Install.pkg") || name == "SIGTERMS.TXT")) continue;
       // What a copy that was given up leaves out is missing in the one program too.
@@ -195,7 +201,7 @@ class WholeBuildFaults : public ::testing::TestWithParam<Scenario> {
   /// The fault met the settings on their way from the product.
   static bool SettingsMayLack(const Outcome& outcome) {
     for (const char* part :
-         {" machine/registry/", "/Program Files/", "OasCfg32: ", "OdsCfg32: ", "TxDesk: ", "TxFetch: "}) {
+         {" machine/registry", "/Program Files/", "OasCfg32: ", "OdsCfg32: ", "TxDesk: ", "TxFetch: "}) {
       if (outcome.call.find(part) != std::string::npos) return true;
     }
     return false;
