@@ -5,13 +5,14 @@
 
 namespace kw {
 
-/// The result of a system call that gives -1 on a failure, made again as long as signals interrupt it.
-/// Network and user-space file systems interrupt even the opening of a file.
+/// The result of a system call that gives -1 on a failure, made again when a signal interrupts it, though not
+/// for ever. Network and user-space file systems interrupt even the opening of a file.
 template <typename Call>
 auto Uninterrupted(Call call) {
-  for (;;) {
+  constexpr int kMostTries = 1000;
+  for (int tries = 1;; ++tries) {
     const auto result = call();
-    if (result != -1 || errno != EINTR) return result;
+    if (result != -1 || errno != EINTR || tries == kMostTries) return result;
   }
 }
 

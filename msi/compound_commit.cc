@@ -71,7 +71,7 @@ Status CompoundFile::Commit(bool durable) {
     untidy_ = true;
   }
   if (!durable) return {};
-  if (unsynced_) KW_RETURN_IF_ERROR(file_->Sync());
+  if (unsynced_) KW_RETURN_IF_ERROR(Sync());
   unsynced_ = false;
   if (!untidy_) return {};
   KW_RETURN_IF_ERROR(Compact());
@@ -293,6 +293,14 @@ std::string CompoundFile::BuildHeader() const {
   return header;
 }
 
+Status CompoundFile::Sync() {
+  Status status = file_->Sync();
+  // What could not be brought to the disk may be given up by the system, which then says that all is well the
+  // next time it is asked. Nothing that is built on it can be promised any more.
+  broken_ = broken_ || !status.ok();
+  return status;
+}
+
 Status CompoundFile::SwitchHeader(bool durable) {
   const std::string header = BuildHeader();
   // Every sector that the tables count must be there in full, the last one too.
@@ -301,14 +309,15 @@ Status CompoundFile::SwitchHeader(bool durable) {
     KW_RETURN_IF_ERROR(file_->Truncate(end));
     written_end_ = end;
   }
-  if (durable) KW_RETURN_IF_ERROR(file_->Sync());
+  if (durable) KW_RETURN_IF_ERROR(Sync());
   Status status = file_->WriteAt(0, std::as_bytes(std::span(header)));
-  if (status.ok() && durable) status = file_->Sync();
+  if (status.ok() && durable) status = Sync();
   if (!status.ok()) {
     // Nobody knows which header is there now. Either is good as long as no sector of either is touched; the
     // old one is put back so that the failure means what it says.
     const std::string old = header_.empty() ? std::string(kHeaderSize, '\0') : header_;
-    broken_ = !file_->WriteAt(0, std::as_bytes(std::span(old))).ok() || !file_->Sync().ok();
+    const bool back = file_->WriteAt(0, std::as_bytes(std::span(old))).ok() && file_->Sync().ok();
+    broken_ = broken_ || !back;
     return status;
   }
   header_ = header;

@@ -95,7 +95,8 @@ class CompoundFile {
   bool dirty() const { return dirty_; }
   /// Writes the present state. `durable` synchronises around the switch and gives back the space of what was
   /// removed; without it the change is visible to every reader but not yet safe from a power loss. After a
-  /// failure the file holds the old or the new state, and Commit may be tried again.
+  /// failure the file holds the old or the new state, and Commit may be tried again; it fails for good when
+  /// the system could not bring to the disk what it had taken.
   Status Commit(bool durable);
 
  private:
@@ -138,6 +139,7 @@ class CompoundFile {
   size_t UsedEnd() const;
   Status PlaceFat();
   Status WriteFat();
+  Status Sync();
   Status SwitchHeader(bool durable);
   void Settle();
   Status Compact();

@@ -49,7 +49,7 @@ class Database {
   /// with the statement or the name in the sentence.
   Result<std::unique_ptr<View>> OpenView(std::string_view sql);
   /// Brings all changes to the disk. After a failure the file holds the old or the new state, and the call
-  /// may be tried again.
+  /// may be tried again, though not with success when the system lost what it had taken.
   Status Commit();
   /// Writes `table` as a text archive to `folder`/`file`, and each stream of it to a file in `folder`/`table`
   /// that bears the row's key as its name (the parts of a longer key joined with "."). Keys that cannot be a

@@ -13,6 +13,7 @@ void FaultyStorage::Arm(Fault fault, int call, int number, bool forever) {
   number_ = number;
   forever_ = forever || fault == Fault::kKill;
   calls_ = 0;
+  failed_sync_ = false;
 }
 
 Status FaultyStorage::Call() {
@@ -44,7 +45,9 @@ class FaultyFile : public StorageFile {
     return inner_->Truncate(size);
   }
   Status Sync() override {
-    KW_RETURN_IF_ERROR(storage_.Call());
+    Status status = storage_.Call();
+    storage_.failed_sync_ = storage_.failed_sync_ || !status.ok();
+    if (!status.ok()) return status;
     return inner_->Sync();
   }
 

@@ -25,6 +25,8 @@ class FaultyStorage : public Storage {
   void Arm(Fault fault, int call, int number, bool forever);
   /// Nothing fails any more.
   void Disarm() { fault_ = Fault::kNone; }
+  /// True if one of the calls that failed since the last Arm was to bring a file to the disk.
+  bool failed_sync() const { return failed_sync_; }
   /// Calls since the last Arm.
   int calls() const { return calls_; }
 
@@ -46,6 +48,7 @@ class FaultyStorage : public Storage {
   int number_ = 0;
   bool forever_ = false;
   int calls_ = 0;
+  bool failed_sync_ = false;
 };
 
 }  // namespace kw::testing

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <utility>
 
+#include "base/errno_number_linux.h"
 #include "base/uninterrupted_linux.h"
 
 namespace kw::platform::embedded {
@@ -29,10 +30,14 @@ Status FileLock::Acquire(Mode mode) {
 
 void FileLock::Release() { ::flock(fd_, LOCK_UN); }
 
-FileIdentity FileIdentity::Of(const std::string& path) {
+Result<FileIdentity> FileIdentity::Of(const std::string& path) {
   FileIdentity identity;
   struct stat info {};
-  if (::stat(path.c_str(), &info) != 0) return identity;
+  if (Uninterrupted([&] { return ::stat(path.c_str(), &info); }) != 0) {
+    const int error = errno;
+    if (error == ENOENT || error == ENOTDIR) return identity;
+    return {ErrorNumberOfErrno(error), "Could not look at " + path + ": " + std::strerror(error) + "."};
+  }
   identity.exists = true;
   identity.device = info.st_dev;
   identity.number = info.st_ino;

@@ -46,7 +46,8 @@ struct FileIdentity {
     return exists == other.exists && device == other.device && number == other.number;
   }
 
-  static FileIdentity Of(const std::string& path);
+  /// Fails when it cannot be told whether there is a file; a missing one is none.
+  static Result<FileIdentity> Of(const std::string& path);
 };
 
 }  // namespace kw::platform::embedded

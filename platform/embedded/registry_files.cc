@@ -109,8 +109,11 @@ RegistryFiles::~RegistryFiles() { Flush().IgnoreError(); }
 
 // The file is looked at before the journal: a fold replaces the file first.
 bool RegistryFiles::IsPresent(const HiveState& state) {
-  return state.loaded && FileIdentity::Of(state.file) == state.file_seen &&
-         JournalIsAsSeen(state, FileIdentity::Of(state.journal));
+  if (!state.loaded) return false;
+  const Result<FileIdentity> file = FileIdentity::Of(state.file);
+  if (!file.ok() || *file != state.file_seen) return false;
+  const Result<FileIdentity> journal = FileIdentity::Of(state.journal);
+  return journal.ok() && JournalIsAsSeen(state, *journal);
 }
 
 // A journal only grows, so that its size tells, unless it ends in a record that was cut off: another one may
@@ -123,8 +126,8 @@ bool RegistryFiles::JournalIsAsSeen(const HiveState& state, const FileIdentity& 
 Result<const RegistryTree*> RegistryFiles::Read(Hive hive) {
   HiveState& state = State(hive);
   if (IsPresent(state)) return &state.tree;
-  std::error_code error;
-  if (std::filesystem::is_directory(folder_, error)) {
+  KW_ASSIGN_OR_RETURN(const FileIdentity folder, FileIdentity::Of(folder_));
+  if (folder.exists) {
     const Locked locked(lock_, FileLock::Mode::kShared);
     KW_RETURN_IF_ERROR(locked.status());
     KW_RETURN_IF_ERROR(Refresh(hive));
@@ -156,8 +159,8 @@ Status RegistryFiles::Change(Hive hive, const Decide& decide) {
 
 Status RegistryFiles::Refresh(Hive hive) {
   HiveState& state = State(hive);
-  const FileIdentity file = FileIdentity::Of(state.file);
-  const FileIdentity journal = FileIdentity::Of(state.journal);
+  KW_ASSIGN_OR_RETURN(const FileIdentity file, FileIdentity::Of(state.file));
+  KW_ASSIGN_OR_RETURN(const FileIdentity journal, FileIdentity::Of(state.journal));
   const bool same_file = state.loaded && file == state.file_seen;
   if (same_file && JournalIsAsSeen(state, journal)) return {};
   const bool same_journal = !state.journal_seen.exists || journal.SameFileAs(state.journal_seen);
@@ -179,9 +182,10 @@ Status RegistryFiles::Refresh(Hive hive) {
 Status RegistryFiles::LoadFile(Hive hive) {
   HiveState& state = State(hive);
   state.tree = RegistryTree();
-  if (!storage_.Exists(state.file)) return {};
-  KW_ASSIGN_OR_RETURN(const std::string bytes, ReadWholeFile(storage_, state.file));
-  auto parsed = formats::ParseRegFile(bytes, code_page_);
+  const Result<std::string> bytes = ReadWholeFile(storage_, state.file);
+  if (bytes.number() == kErrorFileNotFound) return {};
+  if (!bytes.ok()) return bytes.status();
+  auto parsed = formats::ParseRegFile(*bytes, code_page_);
   if (!parsed.ok()) {
     return {parsed.error().number, "The registry file " + state.file + " is no registry-editor file."};
   }
@@ -220,8 +224,9 @@ Status RegistryFiles::ReplayJournal(HiveState& state) {
 Status RegistryFiles::Append(HiveState& state, std::string_view record) {
   if (!state.journal_writer) {
     const auto mode = state.journal_seen.exists ? Storage::Mode::kReadWrite : Storage::Mode::kCreateAlways;
-    KW_ASSIGN_OR_RETURN(state.journal_writer, storage_.Open(state.journal, mode));
-    state.journal_seen = FileIdentity::Of(state.journal);
+    KW_ASSIGN_OR_RETURN(auto opened, storage_.Open(state.journal, mode));
+    KW_ASSIGN_OR_RETURN(state.journal_seen, FileIdentity::Of(state.journal));
+    state.journal_writer = std::move(opened);
   }
   StorageFile& writer = *state.journal_writer;
   // A record that a kill cut off must not stand between whole ones.
@@ -232,7 +237,7 @@ Status RegistryFiles::Append(HiveState& state, std::string_view record) {
       state.journal_end == 0 ? JournalHead(state.file_seen) + std::string(record) : std::string(record);
   if (Status status = writer.WriteAt(state.journal_end, std::as_bytes(std::span(bytes))); !status.ok()) {
     writer.Truncate(state.journal_end).IgnoreError();  // else the checksum tells
-    state.journal_seen = FileIdentity::Of(state.journal);
+    state.loaded = false;  // what lies in the journal now is for the next reading to see
     return status;
   }
   state.journal_end += bytes.size();
@@ -244,21 +249,26 @@ Status RegistryFiles::Fold(Hive hive) {
   HiveState& state = State(hive);
   formats::RegFileWriter writer;
   RegistryTree::Write(state.tree.root(), std::string(HiveName(hive)), writer);
+  // A journal that stays behind the new file counts no more, and nothing may be added to it.
+  state.loaded = false;
   if (state.journal_end != 0) {
     KW_RETURN_IF_ERROR(WriteFileAtomically(storage_, state.file, writer.File()));
   }
-  state.file_seen = FileIdentity::Of(state.file);
   state.journal_writer.reset();
   KW_RETURN_IF_ERROR(storage_.Remove(state.journal));
-  state.journal_seen = FileIdentity::Of(state.journal);
   state.journal_end = 0;
+  state.journal_seen = {};
+  KW_ASSIGN_OR_RETURN(state.file_seen, FileIdentity::Of(state.file));
+  state.loaded = true;
   return {};
 }
 
 Status RegistryFiles::Flush() {
   Status result;
   for (const Hive hive : {Hive::kCurrentUser, Hive::kLocalMachine}) {
-    if (!FileIdentity::Of(State(hive).journal).exists) continue;
+    const Result<FileIdentity> journal = FileIdentity::Of(State(hive).journal);
+    if (!journal.ok()) result = journal.status();
+    if (!journal.ok() || !journal->exists) continue;
     const Locked locked(lock_, FileLock::Mode::kExclusive);
     Status status = locked.status();
     if (status.ok()) status = Refresh(hive);

@@ -66,7 +66,7 @@ void PathBelow(int folder, const char* name, char (&path)[PATH_MAX]) {
   if (std::snprintf(path, sizeof path, "%s/%s", start, name) >= static_cast<int>(sizeof path)) path[0] = '\0';
 }
 
-enum class Turn { kGoOn, kFail, kShort, kKillWizardAfter };
+enum class Turn { kGoOn, kFail, kShort, kKillAfter, kKillWizardAfter };
 
 /// What becomes of one call; with kFail errno is set.
 Turn TurnOf(CallKind kind, const char* call, const char* path) {
@@ -97,6 +97,8 @@ Turn TurnOf(CallKind kind, const char* call, const char* path) {
     case FaultMode::kKillBefore:
       ::raise(SIGKILL);
       return Turn::kFail;
+    case FaultMode::kKillAfter:
+      return Turn::kKillAfter;
     case FaultMode::kKillWizardBefore:
       ::kill(plan->wizard, SIGKILL);
       return Turn::kGoOn;
@@ -125,6 +127,7 @@ Turn TurnAt(CallKind kind, const char* call, int folder, const char* name) {
 // After a call was made.
 template <typename T>
 T Made(Turn turn, T result) {
+  if (turn == Turn::kKillAfter) ::raise(SIGKILL);
   if (turn == Turn::kKillWizardAfter) ::kill(Plan()->wizard, SIGKILL);
   return result;
 }

@@ -26,6 +26,9 @@ enum CallKind : uint32_t {
   kLock = 1U << 13,
 };
 constexpr uint32_t kAllCalls = (1U << 14) - 1;
+/// The calls that a signal may interrupt.
+constexpr uint32_t kInterruptibleCalls =
+    kOpenToRead | kOpenToWrite | kRead | kWrite | kSync | kResize | kLock | kClose;
 /// The calls after which the disk is another.
 constexpr uint32_t kChangingCalls =
     kOpenToWrite | kWrite | kRename | kRemove | kMakeFolder | kAttributes | kResize;
@@ -37,6 +40,7 @@ enum class FaultMode : uint32_t {
   kFail,              ///< the call fails with `error`
   kShort,             ///< a read or write moves half of what was asked for
   kKillBefore,        ///< the process that makes the call is killed in its place
+  kKillAfter,         ///< the call is made, then the process that made it is killed
   kKillWizardBefore,  ///< the wizard is killed in the place of the call, whoever makes it; others make theirs
   kKillWizardAfter,   ///< the call is made, then the wizard is killed, whoever made it
 };
