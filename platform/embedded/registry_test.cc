@@ -379,5 +379,29 @@ TEST(EmbeddedRegistry, ALongJournalIsFoldedInOnTheWay) {
             std::string(4000, static_cast<char>(199)));
 }
 
+TEST(EmbeddedRegistry, TenThousandValuesAreWrittenComparedAndDeletedInAMoment) {
+  const TempRoot root;
+  EmbeddedRegistry tool(root.root(), 1252);
+  EmbeddedRegistry wizard(root.root(), 1252);
+  const auto start = std::chrono::steady_clock::now();
+  const auto written = tool.CreateKey(Hive::kCurrentUser, "X", kKeyAll);
+  for (uint32_t i = 0; i < 10000; ++i) {
+    ASSERT_TRUE((*written)->SetValue("value " + std::to_string(i), RegistryValue::OfDword(i)).ok());
+  }
+  ASSERT_TRUE(CopyTree(tool, Hive::kCurrentUser, "X", Hive::kCurrentUser, "Y").ok());
+  const auto staged = wizard.OpenKey(Hive::kCurrentUser, "X", kKeyReadWrite);
+  const auto source = wizard.OpenKey(Hive::kCurrentUser, "Y", kKeyQuery);
+  ASSERT_TRUE(staged.ok() && source.ok());
+  for (uint32_t i = 10000; i-- > 0;) {
+    const auto value = (*staged)->EnumValue(i, 255);
+    ASSERT_TRUE(value.ok());
+    ASSERT_EQ((*source)->QueryValue(value->name, 255).value_or(RegistryValue()), value->value);
+    ASSERT_TRUE((*staged)->DeleteValue(value->name).ok());
+  }
+  // A tenth of this on an idle machine.
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_EQ((*staged)->QueryInfo()->values, 0u);
+}
+
 }  // namespace
 }  // namespace kw::platform::embedded
