@@ -1,5 +1,5 @@
-// A process that writes the registry is killed at every system call that it makes: what is read afterwards is
-// the old state or the new one.
+// A process that writes the registry is killed at every system call that it makes, those of folding the
+// journal in at its end among them: what is read afterwards is the old state or the new one.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -152,22 +152,14 @@ TEST_F(EmbeddedRegistryKilled, AtAnImportOfManyValuesAndDeletions) {
   KillEverywhere(OneValue, [](EmbeddedRegistry& registry) {
     formats::RegFile file;
     file.keys.push_back({"Software\\X", true, {}});
-    for (int key = 0; key < 20; ++key) {
+    for (int key = 0; key < 5; ++key) {
       formats::RegFileKey made{"Software\\Y\\" + std::to_string(key), false, {}};
-      for (int value = 0; value < 50; ++value) {
+      for (int value = 0; value < 10; ++value) {
         made.values.push_back({"value " + std::to_string(value), false, kRegBinary, std::string(30, 'x')});
       }
       file.keys.push_back(made);
     }
     file.keys.push_back({"Software\\X", false, {}});
-    registry.Apply(Hive::kCurrentUser, file).IgnoreError();
-  });
-}
-
-TEST_F(EmbeddedRegistryKilled, WhileALongJournalIsFoldedIn) {
-  KillEverywhere(OneValue, [](EmbeddedRegistry& registry) {
-    formats::RegFile file;
-    file.keys.push_back({"Software\\X", false, {{"long", false, kRegBinary, std::string(360000, 'x')}}});
     registry.Apply(Hive::kCurrentUser, file).IgnoreError();
   });
 }
