@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "settings/branches.h"
@@ -28,6 +29,8 @@ struct ChoicesForm : ui::Form {
 /// The whole wizard in settings-file mode with the live system as its source, its folders made.
 struct SettingsFixture : ShellFixture {
   SettingsFixture() {
+    run.Installer = std::move(*machine.services.create_installer());
+    run.InstallerSecond = std::move(*machine.services.create_installer());
     run.PackageMode = false;
     run.SettingsFromSystem = true;
     run.ProductInstallDir = "C:\\Product";
