@@ -26,6 +26,13 @@ frmPatchFiles::frmPatchFiles(PageContext& context)
   Add.on_click = [this] { OnAdd(); };
   Edit.on_click = [this] { OnEdit(); };
   Delete.on_click = [this] { OnDelete(); };
+  PatchFiles.on_double_click = [this] {
+    if (Edit.UserCanUse()) OnEdit();
+  };
+  PatchFiles.on_delete_key = [this] {
+    if (Delete.UserCanUse()) OnDelete();
+  };
+  PatchFiles.on_insert_key = [this] { OnAdd(); };
   EnableButtons(false);
   AddButtons();
 }

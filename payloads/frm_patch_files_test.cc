@@ -132,6 +132,23 @@ TEST_F(PatchFilesTest, ACancelledAddChangesNothing) {
   EXPECT_FALSE(page().Edit.Enabled());
 }
 
+TEST_F(PatchFilesTest, TheListAnswersDoubleClicksAndKeysAsItsButtonsDo) {
+  Open();
+  Show<frmPatchFiles>("Patch Files");
+  page().PatchFiles.on_double_click();  // both buttons are off
+  page().PatchFiles.on_delete_key();
+  EXPECT_THAT(Take(), IsEmpty());
+  machine.dialogs.files = {"C:\\P\\one.msp"};
+  page().PatchFiles.on_insert_key();
+  EXPECT_THAT(page().PatchFiles.Items(), ElementsAre("C:\\P\\ONE.MSP"));
+  machine.dialogs.files = {"C:\\P\\two.msp"};
+  page().PatchFiles.on_double_click();
+  EXPECT_THAT(page().PatchFiles.Items(), ElementsAre("C:\\P\\TWO.MSP"));
+  machine.dialogs.answers = {Answer::kOk};
+  page().PatchFiles.on_delete_key();
+  EXPECT_THAT(page().PatchFiles.Items(), IsEmpty());
+}
+
 TEST_F(PatchFilesTest, EditReplacesTheSelectedLineInItsPlace) {
   AddThree();
   page().PatchFiles.UserPick(1);

@@ -175,6 +175,11 @@ class ListBox : public Control {
  public:
   ListBox(Form& form, std::string name);
   std::function<void()> on_click;
+  /// After a double click on an entry.
+  std::function<void()> on_double_click;
+  /// After the Delete key, and the Insert key.
+  std::function<void()> on_delete_key;
+  std::function<void()> on_insert_key;
   const std::vector<std::string>& Items() const { return items_; }
   int Count() const { return static_cast<int>(items_.size()); }
   void Clear();

@@ -2,86 +2,16 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <wx/app.h>
-#include <wx/evtloop.h>
-#include <wx/stopwatch.h>
 
-#include <memory>
 #include <string>
-#include <vector>
 
-#include "platform/testing/fake_machine.h"
-#include "shell/app.h"
-#include "ui/wx/testing/toolkit.h"
-#include "ui/wx/wx_host.h"
+#include "tests/screen/pages_on_screen_test_support.h"
 
 namespace kw {
 namespace {
 
-const char* const kForms[] = {"frmWelcome",
-                              "frmSourceAndDestination",
-                              "frmFeatures",
-                              "frmConfigSource",
-                              "frmInstallOptions",
-                              "frmOnAccessMonitor",
-                              "frmEmailScan",
-                              "frmScheduledScan",
-                              "frmAutoUpdate",
-                              "frmBeaconryClient",
-                              "frmBeaconryServer",
-                              "frmInstallBWK",
-                              "frmConfigureBWK",
-                              "frmUIOptions",
-                              "frmAddRemoveOptions",
-                              "frmDATsAndEngine",
-                              "frmPatchFiles",
-                              "frmCommonUpdater",
-                              "frmPrograms",
-                              "frmAdditionalFiles",
-                              "frmRegistrySettings",
-                              "frmZEDPassword",
-                              "frmPostInstallOptions",
-                              "frmReviewConfiguration",
-                              "frmFinish",
-                              "frmDestination",
-                              "frmType",
-                              "frmAddProgram",
-                              "frmAdditionalFile",
-                              "frmAddTask"};
-
-class PagesOnScreen : public ::testing::TestWithParam<const char*> {
- protected:
-  void SetUp() override {
-    if (!ui::testing::StartToolkit()) GTEST_SKIP() << "no virtual display: Xvfb or openbox is not installed";
-    loop_ = std::make_unique<wxGUIEventLoop>();
-    wxEventLoopBase::SetActive(loop_.get());
-    host_ = std::make_unique<ui::WxHost>();
-    app_ = std::make_unique<WizardApp>(machine_.services, *host_);
-    RunState& run = app_->State();
-    run.HasConsoleFeature = run.HasEmailScanFeature = run.HasOnAccessFeature = true;
-    run.HasOnDemandFeature = run.HasAutoUpdateFeature = run.AnyFeatureInstalled = true;
-    run.ProductInstalled = run.PackageMode = run.EnoughMemory = true;
-    app_->Pages().BuildPackagePageList();
-  }
-  void TearDown() override {
-    app_.reset();
-    host_.reset();
-    if (loop_) wxEventLoopBase::SetActive(nullptr);
-  }
-
-  void Serve(long milliseconds) {
-    const wxStopWatch watch;
-    while (watch.Time() < milliseconds) {
-      host_->PumpEvents();
-      wxTheApp->ProcessIdle();
-    }
-  }
-
-  platform::testing::FakeMachine machine_;
-  std::unique_ptr<wxGUIEventLoop> loop_;
-  std::unique_ptr<ui::WxHost> host_;
-  std::unique_ptr<WizardApp> app_;
-};
+using testing::kForms;
+using testing::PagesOnScreen;
 
 TEST_P(PagesOnScreen, ShowsAllControlsWhole) {
   ui::Form& form = app_->Pages().FormByName(GetParam());

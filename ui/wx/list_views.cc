@@ -36,7 +36,20 @@ class ListBoxView : public ControlView {
       });
     };
     box_->Bind(wxEVT_LISTBOX, pick);
-    box_->Bind(wxEVT_LISTBOX_DCLICK, pick);
+    box_->Bind(wxEVT_LISTBOX_DCLICK, [this, pick](wxCommandEvent& event) {
+      pick(event);
+      Act(list_.on_double_click);
+    });
+    box_->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+      const int key = event.GetKeyCode();
+      if (key == WXK_DELETE || key == WXK_NUMPAD_DELETE) {
+        Act(list_.on_delete_key);
+      } else if (key == WXK_INSERT || key == WXK_NUMPAD_INSERT) {
+        Act(list_.on_insert_key);
+      } else {
+        event.Skip();
+      }
+    });
   }
 
   wxWindow* Window() const override { return box_; }
@@ -57,6 +70,12 @@ class ListBoxView : public ControlView {
   }
 
  private:
+  void Act(const std::function<void()>& handler) {
+    User([&handler] {
+      if (handler) handler();
+    });
+  }
+
   ListBox& list_;
   wxListBox* box_;
 };

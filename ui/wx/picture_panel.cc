@@ -9,6 +9,8 @@ PicturePanel::PicturePanel(wxWindow* parent, const wxBitmapBundle& picture, cons
     : wxPanel(parent, wxID_ANY), picture_(picture), plain_(plain), anchor_(anchor) {
   SetBackgroundStyle(wxBG_STYLE_PAINT);
   SetBackgroundColour(plain);
+  // A picture is nothing to act on: Tab passes it over.
+  m_container.DisableSelfFocus();
   Bind(wxEVT_PAINT, [this](wxPaintEvent&) { Paint(); });
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();

@@ -15,8 +15,6 @@ class PicturePanel : public wxPanel {
   };
   PicturePanel(wxWindow* parent, const wxBitmapBundle& picture, const wxColour& plain, Anchor anchor);
 
-  /// A picture is nothing to act on.
-  bool AcceptsFocus() const override { return false; }
 
  private:
   void Paint();

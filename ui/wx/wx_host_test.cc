@@ -245,6 +245,19 @@ TEST_F(WxHostTest, ListsPickByMouseAndKeyboard) {
   EXPECT_THAT(page.events, ElementsAre("list 0", "list 1", "list 0"));
 }
 
+TEST_F(WxHostTest, ListsAnswerDoubleClicksAndTheKeysForAddingAndDeleting) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  const wxRect list = host_->ViewOf(page)->ViewOf(page.list)->Window()->GetScreenRect();
+  simulator_.MouseMove(wxPoint(list.x + 30, list.y + 12));
+  Serve(50);
+  Act([&] { simulator_.MouseDblClick(); });
+  Press(WXK_DOWN);
+  Press(WXK_DELETE);
+  Press(WXK_INSERT);
+  EXPECT_THAT(page.events, ElementsAre("list 0", "list edit 0", "list 1", "list delete 1", "list insert 1"));
+}
+
 TEST_F(WxHostTest, GridRowsAnswerClicksKeysAndDoubleClicks) {
   SamplePage page(*host_, "frmSample", "Sample Page");
   Show(page);

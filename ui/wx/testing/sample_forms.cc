@@ -56,6 +56,9 @@ SamplePage::SamplePage(FormHost& host, std::string name, std::string caption)
   first.on_click = [this] { Note("first"); };
   second.on_click = [this] { Note("second"); };
   list.on_click = [this] { Note("list " + std::to_string(list.Selected())); };
+  list.on_double_click = [this] { Note("list edit " + std::to_string(list.Selected())); };
+  list.on_delete_key = [this] { Note("list delete " + std::to_string(list.Selected())); };
+  list.on_insert_key = [this] { Note("list insert " + std::to_string(list.Selected())); };
   combo.on_click = [this] { Note("combo " + combo.Text()); };
   grid.on_click = [this] { Note("row " + std::to_string(grid.SelectedRow())); };
   grid.on_double_click = [this] { Note("edit " + std::to_string(grid.SelectedRow())); };
