@@ -63,9 +63,9 @@ std::string ReadRegistryString(platform::Services& services, platform::Hive hive
                                std::string_view value_name);
 
 /// Starts a command line and waits for its end while window events go on; the exit code, or -1 without a word
-/// when it cannot be started: each caller has its own test of success and its own message. When the program is
-/// ended meanwhile, what the other one adds to the staging branch and the temp folder is taken away behind it,
-/// and the result is 0, for nobody is there to be told.
+/// when it cannot be started: each caller has its own test of success and its own message. When the program
+/// is ended meanwhile, what the other one adds to the staging branch and the temp folder is taken away behind
+/// it, and the result is 0, for nobody is there to be told.
 int RunAndWait(platform::Services& services, RunState& run, ui::FormHost& host,
                const std::string& command_line, platform::WindowStyle style);
 

@@ -114,6 +114,18 @@ Status OpenWorkingDatabase(RunState& run) {
   return {};
 }
 
+Status LowerCaseWorkingFileNames(platform::Services& services, RunState& run) {
+  // In direct mode every one of thousands of rows would go to the disk by itself.
+  run.WorkingDatabase.reset();
+  {
+    KW_ASSIGN_OR_RETURN(const std::shared_ptr<platform::Database> database,
+                        run.Installer->OpenDatabase(run.WorkingMsiPath, platform::OpenMode::kTransact));
+    KW_RETURN_IF_ERROR(InstallerDb(services, *run.Installer, database).LowerCaseFileNames());
+    KW_RETURN_IF_ERROR(database->Commit());
+  }
+  return OpenWorkingDatabase(run);
+}
+
 Result<std::string> UpgradeCodeRefusal(platform::Services& services, RunState& run) {
   KW_ASSIGN_OR_RETURN(const auto row,
                       InstallerDb::Working(services, run)

@@ -44,6 +44,8 @@ bool DetermineLevel(platform::Services& services, RunState& run);
 Status CopyDatabase(platform::Services& services, RunState& run);
 /// Opens the working copy in direct mode as WorkingDatabase.
 Status OpenWorkingDatabase(RunState& run);
+/// Puts the names of all files of the open working copy into lower case, in one commit.
+Status LowerCaseWorkingFileNames(platform::Services& services, RunState& run);
 /// What the property "UpgradeCode" says of the package: "" for one that may be customised, otherwise the
 /// words of the refusal.
 Result<std::string> UpgradeCodeRefusal(platform::Services& services, RunState& run);

@@ -243,8 +243,8 @@ bool frmSourceAndDestination::CheckPackage() {
     Discard();
     return Stop(SourceDir, message);
   };
+  if (const Status lowered = LowerCaseWorkingFileNames(services_, run_); !lowered.ok()) return Fail(lowered);
   const InstallerDb database = InstallerDb::Working(services_, run_);
-  if (const Status lowered = database.LowerCaseFileNames(); !lowered.ok()) return Fail(lowered);
   const auto locale = database.GetProperty("txlocaleid");
   if (!locale.ok()) return Fail(locale.status());
   run_.PackageLocale = ToUpper(*locale);
