@@ -92,13 +92,15 @@ class PosixStorage : public Storage {
     }
     // The owner's write bit is the read-only attribute here, and it holds for the superuser too.
     struct stat info {};
-    if (mode != Mode::kRead && ::stat(path.c_str(), &info) == 0 && (info.st_mode & S_IWUSR) == 0) {
+    const bool may_exist = mode != Mode::kCreateNew;
+    if (may_exist && mode != Mode::kRead && ::stat(path.c_str(), &info) == 0 &&
+        (info.st_mode & S_IWUSR) == 0) {
       errno = EACCES;
       return Failure("write", path);
     }
     const int fd = Uninterrupted([&] { return ::open(path.c_str(), flags, 0666); });
     if (fd < 0) return Failure("open", path);
-    if (::fstat(fd, &info) == 0 && S_ISDIR(info.st_mode)) {
+    if (may_exist && ::fstat(fd, &info) == 0 && S_ISDIR(info.st_mode)) {
       ::close(fd);
       errno = EISDIR;
       return Failure("open", path);

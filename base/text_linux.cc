@@ -3,7 +3,10 @@
 #include <wctype.h>
 
 #include <cerrno>
+#include <map>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "base/text.h"
 #include "base/text_system.h"
@@ -80,6 +83,7 @@ class Converter {
   // many bytes that takes; 0 fails the conversion.
   template <typename Refused>
   bool Convert(std::string_view text, std::string& out, Refused refused) {
+    iconv(handle_, nullptr, nullptr, nullptr, nullptr);  // what a failed text left behind
     char* in = const_cast<char*>(text.data());
     size_t in_left = text.size();
     char buffer[512];
@@ -112,6 +116,18 @@ class Converter {
   iconv_t handle_;
 };
 
+// This thread's converter between UTF-8 and a code page, or nothing where the system knows none. They are
+// kept: opening one takes longer than converting most texts.
+Converter* ConverterOf(int code_page, bool to_utf8) {
+  thread_local std::map<std::pair<int, bool>, std::unique_ptr<Converter>> kept;
+  const auto found = kept.find({code_page, to_utf8});
+  if (found != kept.end()) return found->second.get();
+  const std::string name = IconvName(code_page);
+  auto made = std::make_unique<Converter>(to_utf8 ? "UTF-8" : name, to_utf8 ? name : "UTF-8");
+  if (!made->ok()) return nullptr;
+  return kept.emplace(std::pair(code_page, to_utf8), std::move(made)).first->second.get();
+}
+
 // Bytes of the UTF-8 character at the front of `text`, which is not empty.
 size_t SequenceSize(std::string_view text) {
   size_t size = 1;
@@ -138,9 +154,9 @@ char32_t SystemLower(char32_t c) {
 
 Result<std::string> Utf8ToCodePage(std::string_view utf8, int code_page) {
   if (IsAscii(utf8)) return std::string(utf8);
-  Converter converter(IconvName(code_page), "UTF-8");
+  Converter* const converter = ConverterOf(code_page, false);
   std::string out;
-  if (!converter.ok()) {
+  if (converter == nullptr) {
     return {kErrorUnsupported, "Code page " + std::to_string(code_page) + " is not known to this system."};
   }
   const auto open_byte = [code_page](std::string_view rest, std::string& to) -> size_t {
@@ -153,7 +169,7 @@ Result<std::string> Utf8ToCodePage(std::string_view utf8, int code_page) {
     }
     return 0;
   };
-  if (!converter.Convert(utf8, out, open_byte)) {
+  if (!converter->Convert(utf8, out, open_byte)) {
     return {kErrorUnrepresentableText, "The text \"" + std::string(utf8) +
                                            "\" holds a character that code page " +
                                            std::to_string(code_page) + " does not have."};
@@ -171,9 +187,9 @@ std::string CodePageToUtf8(std::string_view bytes, int code_page) {
     for (const char byte : bytes) out += CodePageToUtf8(std::string_view(&byte, 1), code_page);
     return out;
   }
-  Converter converter("UTF-8", IconvName(code_page));
-  if (!converter.ok()) return CodePageToUtf8(bytes, 28591);
-  converter.Convert(bytes, out, [code_page](std::string_view rest, std::string& to) -> size_t {
+  Converter* const converter = ConverterOf(code_page, true);
+  if (converter == nullptr) return CodePageToUtf8(bytes, 28591);
+  converter->Convert(bytes, out, [code_page](std::string_view rest, std::string& to) -> size_t {
     const char16_t character = CharacterOfOpenByte(code_page, static_cast<unsigned char>(rest.front()));
     to += Utf16ToUtf8(std::u16string_view(&character, 1));
     return 1;
@@ -181,6 +197,6 @@ std::string CodePageToUtf8(std::string_view bytes, int code_page) {
   return out;
 }
 
-bool CodePageIsKnown(int code_page) { return Converter("UTF-8", IconvName(code_page)).ok(); }
+bool CodePageIsKnown(int code_page) { return ConverterOf(code_page, true) != nullptr; }
 
 }  // namespace kw

@@ -30,10 +30,9 @@ struct Block {
 };
 
 // Some consecutive blocks of a folder. `content` is the history that they may refer to, and then what they
-// unpack to.
+// unpack to. Both buffers grow to what the blocks at hand take, so that a small cabinet cannot claim much
+// memory.
 struct Batch {
-  explicit Batch(size_t room) : packed(room * kPackedBlockRoom), content(kHistory + room * kBlockSize) {}
-
   std::vector<std::byte> packed;
   size_t packed_size = 0;
   std::vector<std::byte> content;
@@ -52,17 +51,20 @@ struct Batch {
 
 class Decoder {
  public:
-  Decoder(StorageFile& file, const CabinetFolder& folder, uint8_t reserved, unsigned threads)
+  Decoder(StorageFile& file, uint64_t file_size, const CabinetFolder& folder, uint8_t reserved,
+          unsigned threads)
       : file_(file),
         folder_(folder),
         record_size_(kDataRecordSize + reserved),
         mszip_((folder.type & kCompressionMask) == kMszip),
         position_(folder.data_offset),
         room_(std::min<size_t>(kBlocksInBatch, folder.blocks)),
+        packed_room_(static_cast<size_t>(
+            std::min<uint64_t>(room_ * kPackedBlockRoom, file_size - std::min(file_size, position_)))),
         workers_(folder.blocks <= kBlocksInBatch ? 1 : threads) {
     const size_t needed = folder.blocks / kBlocksInBatch + 2;
     batches_.reserve(std::min<size_t>(needed, 2 * threads + 2));
-    while (batches_.size() < batches_.capacity()) batches_.emplace_back(room_);
+    while (batches_.size() < batches_.capacity()) batches_.emplace_back();
     for (size_t i = 0; i < batches_.size(); ++i) {
       Batch* before = &batches_[(i + batches_.size() - 1) % batches_.size()];
       batches_[i].task.run = [this, i, before] { Unpack(batches_[i], before); };
@@ -79,6 +81,9 @@ class Decoder {
         if (filled_ > 0) batch.try_alone = !expect_history_;
         read_outcome_ = Fill(batch);
         if (batch.blocks.empty()) break;
+        if (batch.content.size() < kHistory + batch.content_size) {
+          batch.content.resize(kHistory + batch.content_size);
+        }
         ++filled_;
         workers_.Start(batch.task);
       }
@@ -99,6 +104,7 @@ class Decoder {
     batch.blocks.clear();
     batch.content_size = 0;
     batch.first_block = blocks_read_;
+    batch.packed.resize(packed_room_);
     std::copy(carry_.begin(), carry_.end(), batch.packed.begin());
     batch.packed_size = carry_.size();
     size_t at = 0;
@@ -212,7 +218,8 @@ class Decoder {
   const size_t record_size_;
   const bool mszip_;
   uint64_t position_;
-  const size_t room_;  // blocks in a batch
+  const size_t room_;         // blocks in a batch
+  const size_t packed_room_;  // bytes of them, packed, at most
   size_t blocks_read_ = 0;
   std::vector<std::byte> carry_;  // read already, but behind the last whole block
   Status read_outcome_;
@@ -227,7 +234,9 @@ class Decoder {
 
 Status DecodeFolder(StorageFile& file, const CabinetFolder& folder, uint8_t reserved_data, unsigned threads,
                     const TakeBytes& take) {
-  return Decoder(file, folder, reserved_data, threads == 0 ? DefaultThreads() : std::min(threads, 8u))
+  KW_ASSIGN_OR_RETURN(const uint64_t file_size, file.Size());
+  return Decoder(file, file_size, folder, reserved_data,
+                 threads == 0 ? DefaultThreads() : std::min(threads, 8u))
       .Run(take);
 }
 

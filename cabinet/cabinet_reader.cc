@@ -16,7 +16,9 @@ constexpr size_t kFirstSpecialFolder = 0xFFFD;
 // Reads a file from front to back in large pieces.
 class Cursor {
  public:
-  Cursor(StorageFile& file, uint64_t offset) : file_(file), next_(offset) {}
+  // Keeps no more than `file_size` bytes at once, which no piece of the file can exceed.
+  Cursor(StorageFile& file, uint64_t file_size, uint64_t offset)
+      : file_(file), next_(offset), buffer_(static_cast<size_t>(std::min(file_size, kMostKept))) {}
 
   // Makes `count` bytes ready; a shorter file is an error.
   Result<const std::byte*> Get(size_t count) {
@@ -39,6 +41,8 @@ class Cursor {
   }
 
  private:
+  static constexpr uint64_t kMostKept = 64 * 1024;
+
   size_t available() const { return end_ - begin_; }
 
   Status Refill() {
@@ -54,7 +58,7 @@ class Cursor {
 
   StorageFile& file_;
   uint64_t next_;
-  std::vector<std::byte> buffer_ = std::vector<std::byte>(64 * 1024);
+  std::vector<std::byte> buffer_;
   size_t begin_ = 0;
   size_t end_ = 0;
 };
@@ -70,7 +74,8 @@ Result<CabinetReader> CabinetReader::Open(Storage& storage, const std::string& p
 }
 
 Status CabinetReader::ReadHead(int code_page) {
-  Cursor cursor(*file_, 0);
+  KW_ASSIGN_OR_RETURN(const uint64_t file_size, file_->Size());
+  Cursor cursor(*file_, file_size, 0);
   KW_ASSIGN_OR_RETURN(const std::byte* head, cursor.Get(kHeaderSize));
   if (GetU32(head) != kSignature) return {kErrorInvalidData, "it is not a cabinet."};
   if (head[25] != std::byte{1}) return {kErrorUnsupported, "its version is not known."};
@@ -98,11 +103,11 @@ Status CabinetReader::ReadHead(int code_page) {
       return {kErrorUnsupported, "it is compressed in a way that is not known."};
     }
   }
-  return ReadEntries(code_page, files_offset, file_count);
+  return ReadEntries(code_page, file_size, files_offset, file_count);
 }
 
-Status CabinetReader::ReadEntries(int code_page, uint32_t offset, size_t count) {
-  Cursor cursor(*file_, offset);
+Status CabinetReader::ReadEntries(int code_page, uint64_t file_size, uint32_t offset, size_t count) {
+  Cursor cursor(*file_, file_size, offset);
   for (size_t i = 0; i < count; ++i) {
     KW_ASSIGN_OR_RETURN(const std::byte* record, cursor.Get(kFileRecordSize));
     CabinetEntry entry;
