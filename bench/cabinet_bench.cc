@@ -137,7 +137,7 @@ std::vector<CabinetFile> FilesOf(const Corpus& corpus) {
 void Unpack(const std::string& cabinet, const std::string& folder) {
   auto reader = kw::cabinet::CabinetReader::Open(kw::SystemStorage(), cabinet, 1252);
   Check(reader.status());
-  kw::cabinet::FolderSink sink(kw::SystemStorage(), folder);
+  kw::cabinet::FolderSink sink(kw::SystemStorage(), folder, kw::cabinet::FolderSink::Making::kTogether);
   Check(reader->Extract(sink));
 }
 

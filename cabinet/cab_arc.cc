@@ -52,7 +52,7 @@ Result<std::string> Unpack(Storage& storage, const MachinePaths& paths, const Re
   KW_RETURN_IF_ERROR(NamesInHostFolder(folder).status());
   KW_ASSIGN_OR_RETURN(CabinetReader reader,
                       CabinetReader::Open(storage, paths.HostPath(request.cabinet), code_page));
-  FolderSink sink(storage, folder);
+  FolderSink sink(storage, folder, FolderSink::Making::kTogether);
   size_t count = 0;
   const CabinetReader::Wanted wanted = [&](const CabinetEntry& entry) {
     const bool fits =

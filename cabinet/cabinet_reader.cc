@@ -139,6 +139,9 @@ Status CabinetReader::Extract(EntrySink& sink, const Wanted& wanted, unsigned th
     const Status status = ExtractFolder(i, by_folder[i], sink, threads);
     if (first_failure.ok()) first_failure = status;
   }
+  for (const EntryFailure& late : sink.Settle()) {
+    if (first_failure.ok()) first_failure = EntryError(late.entry, path_, late.status);
+  }
   return first_failure;
 }
 

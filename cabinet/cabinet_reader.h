@@ -32,6 +32,12 @@ struct CabinetFolder {
   uint16_t type = kStored;  ///< a Compression and, in the upper bits, its parameters
 };
 
+/// An entry that could not be kept, and why.
+struct EntryFailure {
+  std::string entry;
+  Status status;
+};
+
 /// Takes what Extract unpacks. Calls come one after the other from the thread that called Extract: Begin, any
 /// number of Writes, End.
 class EntrySink {
@@ -42,6 +48,9 @@ class EntrySink {
   virtual Status Write(std::span<const std::byte> data) = 0;
   /// `outcome` says whether all of the entry's data came; after a failure nothing of it may be kept.
   virtual Status End(const CabinetEntry& entry, const Status& outcome) = 0;
+  /// Comes when all entries are through: waits for what goes on behind their End, and tells what failed of
+  /// it.
+  virtual std::vector<EntryFailure> Settle() { return {}; }
 };
 
 /// A cabinet that is read from a host file. Cabinets that are part of a set are refused.

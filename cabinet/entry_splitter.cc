@@ -4,13 +4,16 @@
 
 namespace kw::cabinet {
 
+Status EntryError(const std::string& entry, const std::string& cabinet, const Status& failure) {
+  return {failure.number(), "Could not unpack \"" + entry + "\" from " + cabinet + ": " + failure.message()};
+}
+
 EntrySplitter::EntrySplitter(std::string cabinet, std::vector<const CabinetEntry*> entries, EntrySink& sink)
     : cabinet_(std::move(cabinet)), entries_(std::move(entries)), sink_(sink) {}
 
 void EntrySplitter::Fail(const CabinetEntry& entry, const Status& failure) {
   if (!first_failure_.ok()) return;
-  first_failure_ = Status(failure.number(), "Could not unpack \"" + entry.name + "\" from " + cabinet_ +
-                                                ": " + failure.message());
+  first_failure_ = EntryError(entry.name, cabinet_, failure);
 }
 
 void EntrySplitter::Take(std::span<const std::byte> data) {

@@ -9,6 +9,9 @@
 
 namespace kw::cabinet {
 
+/// `failure` of an entry of `cabinet`, in a sentence that names both.
+Status EntryError(const std::string& entry, const std::string& cabinet, const Status& failure);
+
 /// Hands the unpacked stream of one folder to a sink, entry by entry. The entries are those wanted, ordered
 /// by offset and not overlapping.
 class EntrySplitter {

@@ -14,8 +14,10 @@ std::string Below(const std::string& folder, const std::string& name) {
 
 }  // namespace
 
-FolderSink::FolderSink(Storage& storage, std::string folder)
-    : storage_(storage), folder_(std::move(folder)) {}
+FolderSink::FolderSink(Storage& storage, std::string folder, Making making)
+    : storage_(storage),
+      folder_(std::move(folder)),
+      maker_(making == Making::kTogether ? std::make_unique<FileMaker>(storage) : nullptr) {}
 
 FolderSink::~FolderSink() { DropPart(); }
 
@@ -26,35 +28,60 @@ Status FolderSink::Begin(const CabinetEntry& entry) {
   if (written_.contains(key)) {
     return {kErrorAlreadyExists, "another file of the cabinet has that name."};
   }
-  std::string folder = folder_;
+  final_folder_ = folder_;
   for (size_t i = 0; i + 1 < parts.size(); ++i) {
-    KW_ASSIGN_OR_RETURN(folder, EnterFolder(folder, parts[i]));
+    KW_ASSIGN_OR_RETURN(final_folder_, EnterFolder(final_folder_, parts[i]));
   }
-  KW_ASSIGN_OR_RETURN(FolderNames * names, NamesIn(folder));
-  final_path_ = Below(folder, names->emplace(ToUpper(parts.back()), parts.back()).first->second);
-  KW_RETURN_IF_ERROR(OpenPart(folder));
+  KW_ASSIGN_OR_RETURN(FolderNames * names, NamesIn(final_folder_));
+  const auto [name, is_new] = names->emplace(ToUpper(parts.back()), parts.back());
+  final_path_ = Below(final_folder_, name->second);
+  place_is_free_ = is_new;
   written_.insert(std::move(key));
+  size_ = entry.size;
   position_ = 0;
   return {};
 }
 
 Status FolderSink::Write(std::span<const std::byte> data) {
+  if (file_ == nullptr) {
+    const bool whole = data.size() == size_;
+    if (whole && ForMaker()) {
+      for_maker_.assign(data.begin(), data.end());
+      return {};
+    }
+    KW_RETURN_IF_ERROR(OpenFile(whole));
+  }
   KW_RETURN_IF_ERROR(file_->WriteAt(position_, data));
   position_ += data.size();
   return {};
 }
 
 Status FolderSink::End(const CabinetEntry& entry, const Status& outcome) {
-  file_.reset();
   Status status = outcome;
+  if (status.ok() && file_ == nullptr && ForMaker()) {
+    maker_->Add(entry, final_path_, std::move(for_maker_));
+    for_maker_.clear();
+    return {};
+  }
+  if (status.ok() && file_ == nullptr) status = OpenFile(true);
+  file_.reset();
   if (status.ok()) status = StampHostFile(part_path_, entry.stamp);
-  if (status.ok()) status = storage_.Rename(part_path_, final_path_);
+  if (status.ok() && part_path_ != final_path_) status = storage_.Rename(part_path_, final_path_);
   if (status.ok()) {
     part_path_.clear();
   } else {
     DropPart();
   }
   return status;
+}
+
+std::vector<EntryFailure> FolderSink::Settle() {
+  return maker_ == nullptr ? std::vector<EntryFailure>() : maker_->Settle();
+}
+
+// Whether the present entry, if its content comes at once, is a file to be made together with others.
+bool FolderSink::ForMaker() const {
+  return maker_ != nullptr && place_is_free_ && size_ <= FileMaker::kLargest;
 }
 
 Result<std::string> FolderSink::EnterFolder(const std::string& parent, const std::string& name) {
@@ -71,10 +98,20 @@ Result<FolderNames*> FolderSink::NamesIn(const std::string& folder) {
   return &names_.emplace(folder, std::move(names)).first->second;
 }
 
-Status FolderSink::OpenPart(const std::string& folder) {
+// Makes the present entry's file; `whole` says that all of its content is at hand.
+Status FolderSink::OpenFile(bool whole) {
+  if (!whole || !place_is_free_) return OpenPart();
+  Result<std::unique_ptr<StorageFile>> file = storage_.Open(final_path_, Storage::Mode::kCreateNew);
+  if (file.number() == kErrorFileExists) return OpenPart();
+  KW_ASSIGN_OR_RETURN(file_, std::move(file));
+  part_path_ = final_path_;
+  return {};
+}
+
+Status FolderSink::OpenPart() {
   Status last;
   for (int i = 0; i < kPartNames; ++i) {
-    const std::string path = Below(folder, "~unpack" + std::to_string(i) + ".part");
+    const std::string path = Below(final_folder_, "~unpack" + std::to_string(i) + ".part");
     Result<std::unique_ptr<StorageFile>> file = storage_.Open(path, Storage::Mode::kCreateNew);
     last = file.status();
     if (file.ok()) {

@@ -9,27 +9,36 @@
 
 #include "base/storage.h"
 #include "cabinet/cabinet_reader.h"
+#include "cabinet/file_maker.h"
 
 namespace kw::cabinet {
 
-/// Writes entries as files below a host folder that exists. An entry grows under a name of its own and takes
-/// its place only when it is whole, replacing a file whose name differs at most in case, and no link is
-/// followed. Folders in entry names are made. Refused: names that SafeParts refuses, and a name that differs
-/// from an earlier entry's at most in case.
+/// Writes entries as files below a host folder that exists. An entry whose content comes at once is written
+/// at its place if nothing is there; any other grows under a name of its own and takes its place only when it
+/// is whole, replacing a file whose name differs at most in case. No link is followed. Folders in entry names
+/// are made. Refused: names that SafeParts refuses, and a name that differs from an earlier entry's at most
+/// in case.
 class FolderSink : public EntrySink {
  public:
+  enum class Making {
+    kOneByOne,
+    kTogether  ///< small new files are made by several threads, and Settle must be called at the end
+  };
   /// `folder` is a host path in UTF-8. `storage` must outlive the sink.
-  FolderSink(Storage& storage, std::string folder);
+  FolderSink(Storage& storage, std::string folder, Making making = Making::kOneByOne);
   ~FolderSink() override;
 
   Status Begin(const CabinetEntry& entry) override;
   Status Write(std::span<const std::byte> data) override;
   Status End(const CabinetEntry& entry, const Status& outcome) override;
+  std::vector<EntryFailure> Settle() override;
 
  private:
   Result<std::string> EnterFolder(const std::string& parent, const std::string& name);
   Result<FolderNames*> NamesIn(const std::string& folder);
-  Status OpenPart(const std::string& folder);
+  bool ForMaker() const;
+  Status OpenFile(bool whole);
+  Status OpenPart();
   void DropPart();
 
   Storage& storage_;
@@ -37,9 +46,14 @@ class FolderSink : public EntrySink {
   std::unordered_map<std::string, FolderNames> names_;  // by host folder; those in it are no links
   std::unordered_set<std::string> written_;             // entry names in upper case
   std::unique_ptr<StorageFile> file_;
-  std::string part_path_;
-  std::string final_path_;
+  std::string part_path_;   // of the file that is being written, which may be the final one
+  std::string final_path_;  // of the present entry
+  std::string final_folder_;
+  uint64_t size_ = 0;           // of the present entry
+  bool place_is_free_ = false;  // nothing is at final_path_
   uint64_t position_ = 0;
+  std::unique_ptr<FileMaker> maker_;  // when files are made together
+  std::vector<std::byte> for_maker_;  // the whole content of the present entry, unless it has a file_
 };
 
 }  // namespace kw::cabinet

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <optional>
 
 #include "cabinet/format.h"
 #include "cabinet/host_file.h"
@@ -30,7 +31,10 @@ Result<HostFileInfo> LookAtHostFile(const std::string& path) {
   return found;
 }
 
-Status StampHostFile(const std::string& path, const FileStamp& stamp) {
+namespace {
+
+// The time that a stamp tells; nothing for an impossible date.
+std::optional<time_t> TimeOf(const FileStamp& stamp) {
   std::tm local{};
   local.tm_year = (stamp.date >> 9) + 80;
   local.tm_mon = ((stamp.date >> 5) & 15) - 1;
@@ -39,10 +43,24 @@ Status StampHostFile(const std::string& path, const FileStamp& stamp) {
   local.tm_min = (stamp.time >> 5) & 63;
   local.tm_sec = (stamp.time & 31) * 2;
   local.tm_isdst = -1;
-  if (local.tm_mon >= 0 && local.tm_mon < 12 && local.tm_mday > 0) {
+  if (local.tm_mon < 0 || local.tm_mon > 11 || local.tm_mday == 0) return std::nullopt;
+  return std::mktime(&local);
+}
+
+}  // namespace
+
+Status StampHostFile(const std::string& path, const FileStamp& stamp) {
+  // Files of one maker often share a stamp, and the system looks up the time zone anew each time.
+  struct Known {
+    FileStamp stamp;
+    std::optional<time_t> time = TimeOf({});
+  };
+  thread_local Known known;
+  if (known.stamp.date != stamp.date || known.stamp.time != stamp.time) known = {stamp, TimeOf(stamp)};
+  if (known.time) {
     timespec times[2] = {};
     times[0].tv_nsec = UTIME_OMIT;
-    times[1].tv_sec = std::mktime(&local);
+    times[1].tv_sec = *known.time;
     if (::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW) != 0) {
       return {kErrorAccessDenied, "Could not set the time of " + path + ": " + std::strerror(errno) + "."};
     }

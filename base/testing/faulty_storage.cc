@@ -17,6 +17,7 @@ void FaultyStorage::Arm(Fault fault, int call, int number, bool forever) {
 }
 
 Status FaultyStorage::Call() {
+  const std::lock_guard lock(mutex_);
   ++calls_;
   if (fault_ == Fault::kNone || calls_ < at_ || (calls_ > at_ && !forever_)) return {};
   return {number_, "Call " + std::to_string(calls_) + " was made to fail."};

@@ -2,6 +2,7 @@
 #define KITWRIGHT_BASE_TESTING_FAULTY_STORAGE_H_
 
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "base/storage.h"
@@ -9,7 +10,7 @@
 namespace kw::testing {
 
 /// A Storage in front of another whose calls can be made to fail. Calls that change or open something are
-/// counted; so are reads when `count_reads` is set.
+/// counted; so are reads when `count_reads` is set. Several threads may call it at once.
 class FaultyStorage : public Storage {
  public:
   enum class Fault {
@@ -43,6 +44,7 @@ class FaultyStorage : public Storage {
   Status Call();
 
   Storage& inner_;
+  std::mutex mutex_;  // of what a call counts
   Fault fault_ = Fault::kNone;
   int at_ = 0;
   int number_ = 0;
