@@ -14,9 +14,18 @@
 namespace kw {
 namespace {
 
+/// Let go at the end, for a library that holds this code may be unloaded and loaded many times.
+struct HeldLocale {
+  const locale_t held = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  HeldLocale() = default;
+  HeldLocale(const HeldLocale&) = delete;
+  HeldLocale& operator=(const HeldLocale&) = delete;
+  ~HeldLocale() { freelocale(held); }
+};
+
 locale_t CaseLocale() {
-  static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-  return locale;
+  static const HeldLocale locale;
+  return locale.held;
 }
 
 std::string IconvName(int code_page) {

@@ -9,20 +9,20 @@ namespace kw {
 using platform::Record;
 using platform::View;
 
-InstallerDb::InstallerDb(platform::Services& services, platform::Installer& installer,
+InstallerDb::InstallerDb(platform::Services& services, const std::unique_ptr<platform::Installer>& installer,
                          const std::shared_ptr<platform::Database>& database)
     : services_(services), installer_(installer), database_(database) {}
 
 InstallerDb InstallerDb::Working(platform::Services& services, RunState& run) {
-  return InstallerDb(services, *run.Installer, run.WorkingDatabase);
+  return InstallerDb(services, run.Installer, run.WorkingDatabase);
 }
 
 InstallerDb InstallerDb::Beaconry(platform::Services& services, RunState& run) {
-  return InstallerDb(services, *run.InstallerSecond, run.BeaconryDatabase);
+  return InstallerDb(services, run.InstallerSecond, run.BeaconryDatabase);
 }
 
 std::shared_ptr<Record> InstallerDb::MakeRecord(const SqlValues& values) const {
-  auto record = installer_.CreateRecord(static_cast<int>(values.size()));
+  auto record = installer_->CreateRecord(static_cast<int>(values.size()));
   int field = 0;
   for (const SqlValue& value : values) {
     ++field;
@@ -109,7 +109,7 @@ Status InstallerDb::ReplaceBinary(std::string_view name, const std::string& path
   KW_RETURN_IF_ERROR(RunSql("delete from `Binary` where `Name` = '" + key + "'"));
   KW_ASSIGN_OR_RETURN(const std::unique_ptr<View> view,
                       Open("insert into `Binary` (`Data`, `Name`) values (?, '" + key + "')"));
-  const auto record = installer_.CreateRecord(1);
+  const auto record = installer_->CreateRecord(1);
   KW_RETURN_IF_ERROR(record->SetStream(1, path));
   KW_RETURN_IF_ERROR(view->Execute(record.get()));
   record->ClearData();

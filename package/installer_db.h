@@ -21,8 +21,8 @@ using SqlValues = std::vector<SqlValue>;
 /// through Installer, and on BeaconryDatabase through InstallerSecond. Failures come back; nothing is shown.
 class InstallerDb {
  public:
-  /// Both outlive this object; the database may be null until a package is open.
-  InstallerDb(platform::Services& services, platform::Installer& installer,
+  /// All outlive this object; the installer and the database may be null until a package is open.
+  InstallerDb(platform::Services& services, const std::unique_ptr<platform::Installer>& installer,
               const std::shared_ptr<platform::Database>& database);
   /// On the working package, and on the nested alert server package.
   static InstallerDb Working(platform::Services& services, RunState& run);
@@ -53,7 +53,7 @@ class InstallerDb {
   Result<std::unique_ptr<platform::View>> Open(std::string_view statement) const;
 
   platform::Services& services_;
-  platform::Installer& installer_;
+  const std::unique_ptr<platform::Installer>& installer_;
   const std::shared_ptr<platform::Database>& database_;
 };
 

@@ -214,7 +214,7 @@ Status frmFeatures::ApplyVisibility(int node) {
   ui::TreeNode item = treFeatures.Node(node);
   KW_ASSIGN_OR_RETURN(std::shared_ptr<platform::Database> source,
                       run_.Installer->OpenDatabase(run_.SourceMsiPath, platform::OpenMode::kReadOnly));
-  const InstallerDb source_db(services_, *run_.Installer, source);
+  const InstallerDb source_db(services_, run_.Installer, source);
   KW_ASSIGN_OR_RETURN(const auto record, source_db.QuerySql("select `Title`, `Display` from `Feature` "
                                                             "where `Feature` = '" +
                                                             item.key + "'"));

@@ -102,7 +102,7 @@ struct BuildRun : BuildFixture, testing::SourcePageFixture {
     auto installer = machine.services.create_installer();
     auto database = (*installer)->OpenDatabase(path, platform::OpenMode::kReadOnly);
     if (!database.ok()) return "(" + database.status().message() + ")";
-    return InstallerDb(machine.services, **installer, *database).GetProperty(name).value_or("(error)");
+    return InstallerDb(machine.services, *installer, *database).GetProperty(name).value_or("(error)");
   }
 };
 

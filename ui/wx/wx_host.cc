@@ -32,6 +32,13 @@ void Forget(std::vector<Form*>& forms, const Form& form) {
   forms.erase(std::remove(forms.begin(), forms.end(), &form), forms.end());
 }
 
+/// Takes a top-level window away. It goes only when the toolkit is idle; what still reaches it until then
+/// must not come back to a host that is gone.
+void Retire(wxWindow& window) {
+  window.SetEvtHandlerEnabled(false);
+  window.Destroy();
+}
+
 }  // namespace
 
 WxHost::Handling::~Handling() {
@@ -49,9 +56,9 @@ WxHost::~WxHost() {
   if (busy_pointer_) wxEndBusyCursor();
   views_.clear();
   gone_.clear();
-  for (const auto& [form, window] : windows_) window->Destroy();
-  for (wxWindow* window : gone_windows_) window->Destroy();
-  if (frame_) frame_->Destroy();
+  for (const auto& [form, window] : windows_) Retire(*window);
+  for (wxWindow* window : gone_windows_) Retire(*window);
+  if (frame_) Retire(*frame_);
 }
 
 FormView* WxHost::ViewOf(const Form& form) const {
