@@ -240,7 +240,7 @@ void FormView::ApplyDefaultButton() {
       chosen = view->Window();
     }
   }
-  if (auto* button = wxDynamicCast(chosen, wxButton)) {
+  if (auto* button = dynamic_cast<wxButton*>(chosen)) {
     button->SetDefault();
   } else {
     window->SetDefaultItem(nullptr);

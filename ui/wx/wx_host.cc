@@ -207,7 +207,7 @@ void WxHost::FormHidden(Form& form) {
       below.ApplyDefaultButton();
     }
   } else {
-    auto* dialog = wxDynamicCast(WindowOf(form), wxDialog);
+    auto* dialog = dynamic_cast<wxDialog*>(WindowOf(form));
     if (dialog && dialog->IsModal()) {
       dialog->EndModal(0);
     } else {
@@ -219,7 +219,7 @@ void WxHost::FormHidden(Form& form) {
 }
 
 void WxHost::RunModal(Form& form) {
-  auto* dialog = wxDynamicCast(WindowOf(form), wxDialog);
+  auto* dialog = dynamic_cast<wxDialog*>(WindowOf(form));
   if (!dialog || ended_) return;
   Flush();
   dialog->ShowModal();
@@ -372,7 +372,7 @@ void WxHost::EndProgram() {
   ApplyPointer();
   if (frame_) frame_->Hide();
   for (const auto& [form, window] : windows_) {
-    auto* dialog = wxDynamicCast(window, wxDialog);
+    auto* dialog = dynamic_cast<wxDialog*>(window);
     if (dialog && dialog->IsModal()) {
       dialog->EndModal(0);
     } else {
