@@ -47,6 +47,8 @@ Status Core::AppendCatalogue(const Table& table, size_t first_column) {
     for (const StringPool::Id other : ids) pool_.DropIfUnused(other);
     return id.status();
   };
+  // A damaged file may hold columns of no table; those of this name would become the new one's.
+  if (first_column == 0) DropCatalogueRows(columns, table.name());
   KW_RETURN_IF_ERROR(intern(table.name()));
   for (size_t i = first_column; i < table.columns().size(); ++i)
     KW_RETURN_IF_ERROR(intern(table.columns()[i].name));
@@ -144,6 +146,14 @@ void Core::DropRows(Table& table) {
   }
 }
 
+void Core::DropCatalogueRows(Table& catalogue, const std::string& table) {
+  StringPool::Id id = 0;
+  if (!pool_.Find(table, &id)) return;
+  for (Table::Row row = 0; row < catalogue.row_end(); ++row) {
+    if (catalogue.Alive(row) && catalogue.Get(row, 0) == id) DeleteRow(catalogue, row);
+  }
+}
+
 Status Core::CheckDrop(const Table& table) const {
   if (table.system || table.streams || table.storages) {
     return {kErrorBadQuerySyntax, "The table " + table.name() + " cannot be dropped."};
@@ -156,14 +166,7 @@ Status Core::DropTable(Table& table) {
   Prepare();
   DropRows(table);
   if (!table.temporary) {
-    StringPool::Id id = 0;
-    pool_.Find(table.name(), &id);
-    for (const char* name : {"_Tables", "_Columns"}) {
-      Table& catalogue = *System(name);
-      for (Table::Row row = 0; row < catalogue.row_end(); ++row) {
-        if (catalogue.Alive(row) && catalogue.Get(row, 0) == id) DeleteRow(catalogue, row);
-      }
-    }
+    for (const char* name : {"_Tables", "_Columns"}) DropCatalogueRows(*System(name), table.name());
     file_->Remove(EncodeStreamName(table.name(), true).value_or(u""));
   }
   const auto found = tables_.find(table.name());

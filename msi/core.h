@@ -84,6 +84,8 @@ class Core : public std::enable_shared_from_this<Core> {
   Status SaveAll();
   Status AppendCatalogue(const Table& table, size_t first_column);
   void DropRows(Table& table);
+  /// Deletes the rows of `catalogue`, _Tables or _Columns, that belong to `table`.
+  void DropCatalogueRows(Table& catalogue, const std::string& table);
   void RefreshStreams(Table& table);
   std::vector<Cell> CellsOf(const Table& table, Table::Row row) const;
   Table* System(const char* name) { return tables_.find(name)->second.get(); }
