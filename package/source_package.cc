@@ -120,7 +120,7 @@ Status LowerCaseWorkingFileNames(platform::Services& services, RunState& run) {
   {
     KW_ASSIGN_OR_RETURN(const std::shared_ptr<platform::Database> database,
                         run.Installer->OpenDatabase(run.WorkingMsiPath, platform::OpenMode::kTransact));
-    KW_RETURN_IF_ERROR(InstallerDb(services, *run.Installer, database).LowerCaseFileNames());
+    KW_RETURN_IF_ERROR(InstallerDb(services, run.Installer, database).LowerCaseFileNames());
     KW_RETURN_IF_ERROR(database->Commit());
   }
   return OpenWorkingDatabase(run);
