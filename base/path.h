@@ -12,6 +12,10 @@ std::string FileNameOf(std::string_view path);
 std::string ParentOf(std::string_view path);
 /// `folder` + "\" + `name`, without doubling a "\" that `folder` ends in.
 std::string JoinPath(std::string_view folder, std::string_view name);
+/// True if a file of this UTF-8 name, put into a folder, can be nothing else than a file of that name there.
+/// Not so with separators, "." and "..", device names with or without an extension, a colon, characters that
+/// file names cannot hold, a closing dot or blank, more than 255 UTF-16 units, and text that did not convert.
+bool IsPlainFileName(std::string_view name);
 
 }  // namespace kw
 

@@ -1,42 +1,14 @@
 #include "cabinet/entry_name.h"
 
-#include <algorithm>
-#include <array>
-
+#include "base/path.h"
 #include "base/text.h"
 
 namespace kw::cabinet {
-namespace {
-
-bool IsDeviceName(std::string_view part) {
-  const std::string base = ToUpper(TrimBlanks(part.substr(0, part.find('.'))));
-  static constexpr std::array<std::string_view, 7> kDevices = {"CON",    "PRN",     "AUX",   "NUL",
-                                                               "CONIN$", "CONOUT$", "CLOCK$"};
-  if (std::find(kDevices.begin(), kDevices.end(), base) != kDevices.end()) return true;
-  if (!base.starts_with("COM") && !base.starts_with("LPT")) return false;
-  const std::string_view number = std::string_view(base).substr(3);
-  // The superscript digits one to three count as digits in device names.
-  return (number.size() == 1 && number[0] >= '0' && number[0] <= '9') || number == "\xC2\xB9" ||
-         number == "\xC2\xB2" || number == "\xC2\xB3";
-}
-
-bool IsSafePart(std::string_view part) {
-  if (part.empty() || part.ends_with('.') || part.ends_with(' ') || IsDeviceName(part)) return false;
-  for (const char c : part) {
-    if (static_cast<unsigned char>(c) < 0x20 ||
-        std::string_view("<>:\"|?*").find(c) != std::string_view::npos) {
-      return false;
-    }
-  }
-  return part.find("\xEF\xBF\xBD") == std::string_view::npos && IsValidUtf8(part);
-}
-
-}  // namespace
 
 Result<std::vector<std::string>> SafeParts(std::string_view entry_name) {
   std::vector<std::string> parts = Split(ReplaceAll(entry_name, "/", "\\"), '\\');
   for (const std::string& part : parts) {
-    if (IsSafePart(part)) continue;
+    if (IsPlainFileName(part)) continue;
     return {kErrorInvalidName,
             "The entry name \"" + std::string(entry_name) + "\" cannot be written below a folder."};
   }

@@ -10,9 +10,8 @@
 namespace kw::cabinet {
 
 /// The folders and the file name that an entry's name stands for, or kErrorInvalidName when writing it below
-/// a folder could reach anything else: absolute and drive names, "..", device names with or without an
-/// extension, a colon, characters that file names cannot hold, names that end in a dot or blank, and text
-/// that did not convert.
+/// a folder could reach anything else: absolute and drive names, and parts that are no plain file names
+/// (IsPlainFileName).
 Result<std::vector<std::string>> SafeParts(std::string_view entry_name);
 
 /// True if `name` fits `pattern`, in which "*" stands for any text and "?" for one character, without regard

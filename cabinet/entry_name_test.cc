@@ -24,6 +24,13 @@ TEST(EntryName, WhatCouldReachOutsideTheFolderIsRefused) {
   }
 }
 
+TEST(EntryName, NamesThatNoFileCanBearAreRefused) {
+  EXPECT_EQ(SafeParts(std::string(300, 'n')).number(), kErrorInvalidName);
+  EXPECT_EQ(SafeParts("sub\\" + std::string(256, 'n') + "\\x").number(), kErrorInvalidName);
+  EXPECT_THAT(*SafeParts(std::string(255, 'n')), ElementsAre(std::string(255, 'n')));
+  EXPECT_EQ(SafeParts("a\xFF").number(), kErrorInvalidName);
+}
+
 TEST(EntryName, DeviceNamesAreRefusedWithAnyExtension) {
   for (const char* name : {"NUL", "nul.txt", "Con", "a\\AUX.c", "prn", "COM1", "lpt9.tar.gz", "COM\xC2\xB9",
                            "CONIN$", "conout$", "nul .txt"}) {

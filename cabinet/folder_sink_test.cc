@@ -52,6 +52,19 @@ TEST_F(FolderSinkTest, NamesThatWouldLeaveTheFolderWriteNothingAndTheOthersCome)
   }
 }
 
+TEST_F(FolderSinkTest, ANameWithoutMeaningInTheCodePageWritesNothing) {
+  ASSERT_TRUE(Pack("t.cab", {{"aXb", "bad"}, {"good", "good"}}).ok());
+  std::string bytes = Content("t.cab");
+  bytes[bytes.find("aXb") + 2] = '\x81';  // the first byte of two that has no second
+  Make("t.cab", bytes);
+  auto reader = CabinetReader::Open(SystemStorage(), Host("t.cab"), 932);
+  ASSERT_TRUE(reader.ok());
+  FolderSink sink(SystemStorage(), Host("out"));
+  EXPECT_EQ(reader->Extract(sink).number(), kErrorInvalidName);
+  EXPECT_EQ(Content("out/good"), "good");
+  EXPECT_EQ(FilesIn("out"), 1u);
+}
+
 TEST_F(FolderSinkTest, NoLinkIsFollowed) {
   Make("outside/file", "precious");
   std::filesystem::create_directory_symlink(folder_ / "outside", folder_ / "out/linked");

@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 
+#include "base/testing/memory_storage.h"
 #include "cabinet/cabinet_reader.h"
-#include "fuzz/memory_storage.h"
 
 namespace {
 
@@ -30,7 +30,8 @@ class CountingSink : public kw::cabinet::EntrySink {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  kw::fuzz::InputStorage storage(std::as_bytes(std::span(data, size)));
+  kw::testing::MemoryStorage storage;
+  storage.Content("input").assign(reinterpret_cast<const char*>(data), size);
   auto reader = kw::cabinet::CabinetReader::Open(storage, "input", 1252);
   if (!reader.ok()) return 0;
   CountingSink sink;

@@ -1,3 +1,5 @@
+#include <filesystem>
+#include <fstream>
 #include <set>
 
 #include "msi/compound_file.h"
@@ -28,12 +30,45 @@ TEST_F(ArchiveTest, ExportWritesRowsAndTheStreamsBesideThem) {
 
 TEST_F(ArchiveTest, ExportRefusesKeysThatLeadElsewhere) {
   storage.Content("in") = "x";
-  for (const char* key : {"../up", "a\\b", "/abs", "C:x", "..", "."}) {
+  for (const char* key : {"../up", "a\\b", "/abs", "C:x", "..", ".", "NUL", "com1.cab", "a.", "a "}) {
     KW_EXPECT_OK(
         RunSql(*db, "insert into `Cabs` (`Name`, `Data`) values (?, ?)", {T(key), FileValue(storage, "in")}));
     EXPECT_EQ(db->Export("Cabs", "/temp", "Cabs.idt").number(), kErrorInvalidName) << key;
+    EXPECT_FALSE(storage.Exists("/temp/Cabs.idt"));
     KW_EXPECT_OK(RunSql(*db, "delete from `Cabs`"));
   }
+}
+
+TEST_F(ArchiveTest, ExportReplacesALinkAndDoesNotFollowIt) {
+  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "kw_msi_export_link";
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder / "Cabs");
+  std::ofstream(folder / "precious") << "precious";
+  std::error_code error;
+  std::filesystem::create_symlink(folder / "precious", folder / "Cabs/Cab1.CAB", error);
+  if (error) GTEST_SKIP() << "no links here";
+  std::ofstream(folder / "in") << "cabinet bytes";
+  {
+    const auto real = Get(Database::Open(SystemStorage(), (folder / "a.msi").string(), OpenMode::kCreate));
+    KW_EXPECT_OK(
+        RunSql(*real, "create table `Cabs` (`Name` CHAR(72) NOT NULL, `Data` OBJECT primary key `Name`)"));
+    KW_EXPECT_OK(RunSql(*real, "insert into `Cabs` (`Name`, `Data`) values ('Cab1.CAB', ?)",
+                        {FileValue(SystemStorage(), (folder / "in").string())}));
+    KW_EXPECT_OK(real->Export("Cabs", folder.string(), "Cabs.idt"));
+  }
+  EXPECT_EQ(*ReadWholeFile(SystemStorage(), (folder / "precious").string()), "precious");
+  EXPECT_EQ(*ReadWholeFile(SystemStorage(), (folder / "Cabs/Cab1.CAB").string()), "cabinet bytes");
+  EXPECT_FALSE(std::filesystem::is_symlink(folder / "Cabs/Cab1.CAB"));
+  std::filesystem::remove_all(folder);
+}
+
+TEST_F(ArchiveTest, ExportWritesNoStreamOverAnotherWhoseKeyDiffersInCase) {
+  storage.Content("in") = "x";
+  for (const char* key : {"Cab1.CAB", "CAB1.cab"}) {
+    KW_EXPECT_OK(
+        RunSql(*db, "insert into `Cabs` (`Name`, `Data`) values (?, ?)", {T(key), FileValue(storage, "in")}));
+  }
+  EXPECT_EQ(db->Export("Cabs", "/temp", "Cabs.idt").number(), kErrorInvalidName);
 }
 
 TEST_F(ArchiveTest, ATableSurvivesExportAndImport) {

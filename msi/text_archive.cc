@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <set>
 
+#include "base/path.h"
 #include "base/text.h"
 #include "msi/core.h"
 #include "msi/executor.h"
@@ -63,10 +65,7 @@ Result<std::string> StreamFileName(Core& core, const Table& table, Table::Row ro
     if (!name.empty()) name += '.';
     name += core.TextOf(table, row, column);
   }
-  const bool dots = name.find_first_not_of(". ") == std::string::npos;
-  const bool control =
-      std::any_of(name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; });
-  if (dots || control || name.find_first_of("/\\:*?\"<>|") != std::string::npos) {
+  if (!IsPlainFileName(name)) {
     return {kErrorInvalidName,
             "The key \"" + name + "\" of the table " + table.name() + " cannot be a file's name."};
   }
@@ -74,7 +73,10 @@ Result<std::string> StreamFileName(Core& core, const Table& table, Table::Row ro
 }
 
 Status WriteStream(Core& core, const std::string& path, CfStream& stream) {
-  KW_ASSIGN_OR_RETURN(auto file, core.storage().Open(path, Storage::Mode::kCreateAlways));
+  // What is there is replaced, not written through: it may be a link.
+  Status removed = core.storage().Remove(path);
+  if (!removed.ok() && removed.number() != kErrorFileNotFound) return removed;
+  KW_ASSIGN_OR_RETURN(auto file, core.storage().Open(path, Storage::Mode::kCreateNew));
   std::string buffer(256 * 1024, '\0');
   for (uint64_t at = 0; at < stream.size();) {
     KW_ASSIGN_OR_RETURN(const size_t got,
@@ -240,6 +242,7 @@ Status ExportTable(Core& core, const std::string& name, const std::string& folde
   for (const int column : table.key_columns())
     lines[2] += "\t" + table.columns()[static_cast<size_t>(column)].name;
   std::string rows;
+  std::set<std::string, LessNoCase> stream_files;
   for (Table::Row row = 0; row < table.row_end(); ++row) {
     if (!table.Alive(row) || (table.TemporaryRow(row) && !table.temporary)) continue;
     std::string line;
@@ -252,6 +255,10 @@ Status ExportTable(Core& core, const std::string& name, const std::string& folde
       const std::shared_ptr<CfStream> stream = core.StreamOf(table, row, column);
       if (!stream) continue;
       KW_ASSIGN_OR_RETURN(const std::string stream_file, StreamFileName(core, table, row));
+      if (!stream_files.insert(stream_file).second) {
+        return {kErrorInvalidName,
+                "Two rows of the table " + table.name() + " would become one file, \"" + stream_file + "\"."};
+      }
       KW_RETURN_IF_ERROR(core.storage().CreateFolder(Inside(folder, table.name())));
       KW_RETURN_IF_ERROR(WriteStream(core, Inside(Inside(folder, table.name()), stream_file), *stream));
       line += stream_file;

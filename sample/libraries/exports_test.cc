@@ -192,13 +192,40 @@ TEST_F(LibrariesTest, ABadArchiveRaisesAndWritesNothing) {
   PutZip("up.zip", {{"good.txt", "x"}, {"../up.txt", "x"}});
   PutZip("absolute.zip", {{"C:\\Windows\\x.txt", "x"}});
   PutZip("locked.zip", {{"a.txt", "x"}}, true);
+  PutZip("root.zip", {{"good.txt", "x"}, {"/up.txt", "x"}});
+  PutZip("device.zip", {{"good.txt", "x"}, {"sub/NUL.txt", "x"}});
+  PutZip("stream.zip", {{"good.txt", "x"}, {"good.txt:x", "x"}});
+  PutZip("long.zip", {{"good.txt", "x"}, {std::string(300, 'n'), "x"}});
   for (const char* name :
-       {"C:\\bad.zip", "C:\\up.zip", "C:\\absolute.zip", "C:\\locked.zip", "C:\\missing.zip"}) {
+       {"C:\\bad.zip", "C:\\up.zip", "C:\\absolute.zip", "C:\\locked.zip", "C:\\missing.zip", "C:\\root.zip",
+        "C:\\device.zip", "C:\\stream.zip", "C:\\long.zip"}) {
     CALL(unzip_, TxUnzip)(name, "C:\\Out");
     EXPECT_NE(CALL(unzip_, LastCallRaised)(), 0) << name;
   }
   EXPECT_TRUE(std::filesystem::is_empty(machine_.OnC("Out")));
   EXPECT_EQ(Content("up.txt"), "(missing)");
+}
+
+TEST_F(LibrariesTest, AnArchiveWritesThroughNoLinkAndMixesNoNames) {
+  machine_.Put("drive_c/precious.txt", "precious");
+  std::filesystem::create_directories(machine_.OnC("Out"));
+  std::filesystem::create_directories(machine_.OnC("Else"));
+  std::filesystem::create_symlink(machine_.OnC("precious.txt"),
+                                  std::filesystem::path(machine_.OnC("Out")) / "a.txt");
+  std::filesystem::create_directory_symlink(machine_.OnC("Else"),
+                                            std::filesystem::path(machine_.OnC("Out")) / "sub");
+  PutZip("link.zip", {{"a.txt", "new"}});
+  CALL(unzip_, TxUnzip)("C:\\link.zip", "C:\\Out");
+  EXPECT_EQ(Content("precious.txt"), "precious");
+  EXPECT_EQ(Content("Out/a.txt"), "new");
+  PutZip("folder.zip", {{"sub/x.txt", "new"}});
+  CALL(unzip_, TxUnzip)("C:\\folder.zip", "C:\\Out");
+  EXPECT_NE(CALL(unzip_, LastCallRaised)(), 0);
+  EXPECT_TRUE(std::filesystem::is_empty(machine_.OnC("Else")));
+  PutZip("case.zip", {{"Name.txt", "first"}, {"NAME.TXT", "second"}});
+  CALL(unzip_, TxUnzip)("C:\\case.zip", "C:\\Out");
+  EXPECT_NE(CALL(unzip_, LastCallRaised)(), 0);
+  EXPECT_EQ(Content("Out/Name.txt"), "first");
 }
 
 TEST_F(LibrariesTest, TheFirewallsInstallerIsReadAndRewritten) {
