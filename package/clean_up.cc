@@ -48,9 +48,9 @@ void CleanUpRun(platform::Services& services, RunState& run) {
     run.WorkingMsiPath.clear();
     TellUnless(services, deleted);
   }
-  if (!run.TempFolder.empty() && services.files->FolderExists(run.TempFolder)) {
+  if (!run.TempFolder.empty()) {
     const Status deleted = services.files->DeleteFolder(run.TempFolder, true);
-    TellUnless(services, deleted);
+    if (deleted.number() != kErrorPathNotFound) TellUnless(services, deleted);
     if (deleted.ok()) run.TempFolder.clear();
   }
   RemoveExtractedSource(services, run);

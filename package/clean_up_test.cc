@@ -81,6 +81,12 @@ TEST_F(CleanUpTest, AFolderHeldOpenIsToldAndTriedAgainByTheNextCleanUp) {
   EXPECT_THAT(machine.files.Tree("C:\\Temp"), IsEmpty());
 }
 
+TEST_F(CleanUpTest, ATempFolderThatIsGoneIsNoFailure) {
+  run.TempFolder = "C:\\Temp\\_id_gone";
+  CleanUpRun(machine.services, run);
+  EXPECT_THAT(machine.transcript.Take(), Not(Contains(kCouldNotRemove)));
+}
+
 TEST_F(CleanUpTest, AWorkingDatabaseThatIsGoneOrLockedIsToldOnce) {
   OpenRun();
   machine.files.FailNext(FileOperation::kDeleteFile, run.WorkingMsiPath, kErrorSharingViolation);

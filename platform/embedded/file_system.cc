@@ -195,7 +195,10 @@ Status EmbeddedFileSystem::DeleteFile(const std::string& path, bool force) {
 
 Status EmbeddedFileSystem::DeleteFolder(const std::string& path, bool force) {
   const Spot spot = Look(paths_, path);
-  if (!spot.status.IsFolder()) return FileError(kErrorPathNotFound, "delete", path);
+  if (!spot.status.IsFolder()) {
+    const int number = spot.status.refusal != 0 ? spot.status.refusal : static_cast<int>(kErrorPathNotFound);
+    return FileError(number, "delete", path);
+  }
   std::string failed;
   if (const int number = DeleteHostTree(spot.host, force, paths_.HostPath(paths_.current()), failed)) {
     return FileError(number, "delete", path + ReplaceAll(failed.substr(spot.host.size()), "/", "\\"));

@@ -35,11 +35,10 @@ class ScratchFolder {
 
 Status WriteDescriptor(Storage& storage, const std::string& path, const BulwarkChoices& choices,
                        int code_page) {
-  std::string present = "[General]\r\nLangID=0000\r\n";
-  if (storage.Exists(path)) {
-    KW_ASSIGN_OR_RETURN(present, ReadWholeFile(storage, path));
-  }
-  formats::IniFile descriptor = formats::IniFile::Parse(present, code_page);
+  const auto present = ReadWholeFile(storage, path);
+  if (!present.ok() && present.error().number != kErrorFileNotFound) return present.error();
+  formats::IniFile descriptor =
+      formats::IniFile::Parse(present.value_or("[General]\r\nLangID=0000\r\n"), code_page);
   KW_RETURN_IF_ERROR(descriptor.Write("General", "InstallPath", choices.install_folder));
   KW_RETURN_IF_ERROR(descriptor.Write("General", "STC", choices.managed ? "1" : "0"));
   KW_RETURN_IF_ERROR(descriptor.Write("General", "Silent", choices.silent ? "1" : "0"));
