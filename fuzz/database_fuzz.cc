@@ -27,7 +27,7 @@ size_t ReadAll(Database& database) {
       for (int field = 1; field <= (*row)->FieldCount(); ++field) {
         (*row)->StringData(field);
         (*row)
-            ->ReadStream(field, 1 << 16)
+            ->ReadStream(field, 4096)
             .status()
             .IgnoreError();  // a broken stream is a failure, not a finding
       }
