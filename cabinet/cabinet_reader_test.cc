@@ -160,6 +160,27 @@ TEST_F(CabinetReaderTest, LzxIsUnpacked) {
   EXPECT_EQ(sink.content["b"], "lzx!");
 }
 
+TEST_F(CabinetReaderTest, AnLzxFolderOfManyBlocksIsUnpacked) {
+  // As above, with the length 0x0186A0: its bits stand in the upper half of the first word and the lower of
+  // the next. What follows the first 32 KiB of output lies in further data blocks.
+  const std::string content = Prose(100000);
+  std::string head("\x18\x30\x00\x6A", 4);
+  head += std::string("\x01\0\0\0\x01\0\0\0\x01\0\0\0", 12);
+  HandMade made;
+  made.folders = {{kLzx | (17 << 8), {}}};
+  for (size_t at = 0; at < content.size(); at += kBlockSize) {
+    const std::string block = content.substr(at, kBlockSize);
+    made.folders[0].second.emplace_back((at == 0 ? head : "") + block, static_cast<uint16_t>(block.size()));
+  }
+  made.files = {{"a", 40000, 0}, {"b", 60000, 40000}};
+  Make("t.cab", made.Bytes());
+  MemorySink sink;
+  const Status status = Unpack("t.cab", sink);
+  ASSERT_TRUE(status.ok()) << status.message();
+  EXPECT_EQ(sink.content["a"], content.substr(0, 40000));
+  EXPECT_EQ(sink.content["b"], content.substr(40000));
+}
+
 TEST_F(CabinetReaderTest, DamagedLzxAndQuantumFailTheirEntries) {
   for (const int type : {kLzx | (15 << 8), kQuantum | (15 << 8)}) {
     HandMade made;

@@ -8,7 +8,7 @@ namespace kw::cabinet {
 namespace {
 
 constexpr unsigned kPairBits = 13;
-constexpr unsigned kNearBits = 14;
+constexpr unsigned kNearBits = 12;
 // Bytes at a block's end that start no match, so that every place can be read eight bytes at a time.
 constexpr uint32_t kTail = 16;
 // A match of three bytes from further away costs more than its literals.

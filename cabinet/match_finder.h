@@ -49,7 +49,7 @@ class MatchFinder {
   // differ.
   struct Tables {
     std::array<uint32_t, 1 << 13> pairs;  // the last place in the lower half, the one before in the upper
-    std::array<uint16_t, 1 << 14> near;
+    std::array<uint16_t, 1 << 12> near;
   };
 
   std::unique_ptr<Tables> tables_;
