@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "base/machine_paths.h"
+#include "platform/shared/patient_services.h"
 #include "shell/app.h"
 #include "shell/main_machine.h"
 #include "ui/wx/wx_application.h"
@@ -24,7 +25,8 @@ int main(int argc, char** argv) {
     dialogs.Message(machine.error().message);
     return 1;
   }
-  kw::WizardApp wizard(*machine->services, host);
+  kw::platform::PatientServices patient(*machine->services, [&host] { host.ServePainting(); });
+  kw::WizardApp wizard(patient.Get(), host);
   wizard.Run();
   (*application)->Run(host);
   return 0;

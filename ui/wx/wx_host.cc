@@ -321,6 +321,11 @@ void WxHost::Refresh(Form& form) {
   }
 }
 
+void WxHost::ServePainting() {
+  wxEventLoopBase* loop = wxEventLoopBase::GetActive();
+  if (!ended_ && loop && !loop->IsYielding()) loop->YieldFor(wxEVT_CATEGORY_UI);
+}
+
 void WxHost::PumpEvents() {
   if (ended_) {
     // A handler may still wait for another program; it is not to use up a processor.

@@ -52,6 +52,8 @@ class WxHost : public FormHost, private wxEventFilter {
   FormView* ViewOf(const Form& form) const;
   /// True if input for `form` goes to a tool's window now.
   bool Redirects(const Form& form) const;
+  /// Paints what has to be painted; what a person does waits for its turn.
+  void ServePainting();
   /// Brings all forms' gathered changes to their widgets.
   void Flush();
   /// The same, once the present event is done with.
