@@ -39,6 +39,8 @@ class FormView {
   void Focus(const Control& control, bool select_all);
   /// Moves the focus to where a person begins, or back to where it was when the form lost it.
   void FocusSomething();
+  /// At the next showing a person begins anew.
+  void ForgetFocus() { last_focus_ = nullptr; }
   /// The form's enabled state.
   void Enable(bool enabled);
   /// The form's font, where it has one of its own.

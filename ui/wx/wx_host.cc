@@ -207,6 +207,7 @@ void WxHost::FormHidden(Form& form) {
       below.ApplyDefaultButton();
     }
   } else {
+    view->ForgetFocus();
     auto* dialog = dynamic_cast<wxDialog*>(WindowOf(form));
     if (dialog && dialog->IsModal()) {
       dialog->EndModal(0);

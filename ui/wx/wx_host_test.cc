@@ -24,7 +24,7 @@ using testing::SampleStatus;
 class WxHostTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!testing::StartToolkit()) GTEST_SKIP() << "no virtual display: Xvfb or openbox is not installed";
+    if (!started_) GTEST_SKIP() << "no virtual display: Xvfb or openbox is not installed";
     loop_ = std::make_unique<wxGUIEventLoop>();
     wxEventLoopBase::SetActive(loop_.get());
     host_ = std::make_unique<WxHost>();
@@ -113,7 +113,8 @@ class WxHostTest : public ::testing::Test {
     Serve(at);
   }
 
-  SamplePage* page_ = nullptr;  ///< the page that was shown last
+  const bool started_ = testing::StartToolkit();  ///< before the simulator, which looks for the display
+  SamplePage* page_ = nullptr;                    ///< the page that was shown last
   std::unique_ptr<wxGUIEventLoop> loop_;
   std::unique_ptr<WxHost> host_;
   std::vector<std::unique_ptr<wxTimer>> timers_;
@@ -361,6 +362,20 @@ TEST_F(WxHostTest, AModalDialogReturnsWhenItIsHidden) {
   EXPECT_FALSE(dialog.Visible());
   EXPECT_EQ(dialog.name.Text(), "typed");
   EXPECT_EQ(dialog.editor.Text(), "[general]\r\nname=value\r\n");
+}
+
+TEST_F(WxHostTest, ADialogThatIsShownAgainBeginsAtItsFirstField) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  SampleDialog dialog(*host_, "frmDialog");
+  Show(page);
+  for (const char* text : {"one", "two"}) {
+    dialog.name.SetText("");
+    Later(600, [this, text] { simulator_.Text(text); });
+    Later(1000, [this] { simulator_.Char(WXK_TAB); });
+    Later(1200, [&dialog] { dialog.Hide(); });
+    dialog.ShowModal();
+    EXPECT_EQ(dialog.name.Text(), text);
+  }
 }
 
 TEST_F(WxHostTest, TheStatusWindowIsPaintedByRefreshAndStandsOverItsPage) {

@@ -76,7 +76,17 @@ std::unique_ptr<VirtualDisplay> VirtualDisplay::Start(int width, int height) {
   close(ready[0]);
   if (number.empty()) return nullptr;
   setenv("DISPLAY", (":" + number).c_str(), 1);
-  display->manager_ = StartProgram({"openbox", "--sm-disable"}, -1);
+  // A window that is shown before the manager manages would not become active.
+  char folder[] = "/tmp/kitwright-display.XXXXXX";
+  if (!mkdtemp(folder)) return nullptr;
+  const std::string managed = std::string(folder) + "/managed";
+  display->manager_ = StartProgram({"openbox", "--sm-disable", "--startup", "touch " + managed}, -1);
+  for (int waited = 0;
+       display->manager_ > 0 && waited < kStartMilliseconds && access(managed.c_str(), F_OK) != 0;
+       waited += 20)
+    poll(nullptr, 0, 20);
+  unlink(managed.c_str());
+  rmdir(folder);
   if (display->manager_ <= 0) return nullptr;
   return display;
 }
