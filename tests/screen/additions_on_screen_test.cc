@@ -40,34 +40,34 @@ class AdditionsOnScreen : public ::testing::Test, protected testing::WizardOnScr
   void SetUp() override {
     WizardOnScreen::SetUp();
     if (IsSkipped()) return;
-    RunState& run = app->State();
+    RunState& run = app_->State();
     run.TempFolder = "C:\\Temp\\run";
     run.CabDataFolder = "C:\\Temp\\run\\CabData";
     run.SourceFolder = "C:\\Source";
     run.SourceMsiPath = "C:\\Source\\Kte710.msi";
     run.WorkingMsiPath = "C:\\Temp\\run\\Kte710.msi";
     run.WorkingSetupIniPath = "C:\\Temp\\run\\Setup.ini";
-    machine.files.AddFolder(run.CabDataFolder);
-    machine.files.AddFile(run.WorkingSetupIniPath, "[Startup]\r\n");
-    machine.files.AddFile("c:\\tools\\first.exe", "first");
-    machine.files.AddFile("c:\\tools\\second.exe", "second");
-    testing::PackageWriter(machine).WritePackage(run.SourceFolder);
-    ASSERT_TRUE(machine.files.CopyFile(run.SourceMsiPath, run.WorkingMsiPath, true).ok());
+    machine_.files.AddFolder(run.CabDataFolder);
+    machine_.files.AddFile(run.WorkingSetupIniPath, "[Startup]\r\n");
+    machine_.files.AddFile("c:\\tools\\first.exe", "first");
+    machine_.files.AddFile("c:\\tools\\second.exe", "second");
+    testing::PackageWriter(machine_).WritePackage(run.SourceFolder);
+    ASSERT_TRUE(machine_.files.CopyFile(run.SourceMsiPath, run.WorkingMsiPath, true).ok());
     auto opened = run.Installer->OpenDatabase(run.WorkingMsiPath, platform::OpenMode::kDirect);
     ASSERT_TRUE(opened.ok()) << opened.status().message();
     run.WorkingDatabase = *opened;
     pages().FormByName("frmSourceAndDestination").EnsureLoaded();
   }
 
-  PageTable& pages() { return app->Pages(); }
+  PageTable& pages() { return app_->Pages(); }
 
   template <typename T>
   T& Open() {
     T& page = pages().Get<T>();
     page.ReadConfig();
     page.Show();
-    auto* window = wxDynamicCast(wxGetTopLevelParent(host->ViewOf(page)->Panel()), wxTopLevelWindow);
-    Wait([&] { return window->IsActive() && host->ViewOf(page)->Painted(); });
+    auto* window = wxDynamicCast(wxGetTopLevelParent(host_->ViewOf(page)->Panel()), wxTopLevelWindow);
+    Wait([&] { return window->IsActive() && host_->ViewOf(page)->Painted(); });
     Serve(100);
     return page;
   }
@@ -93,7 +93,7 @@ class AdditionsOnScreen : public ::testing::Test, protected testing::WizardOnScr
     int ticks = 0;
     wxTimer timer;
     timer.Bind(wxEVT_TIMER, [&](wxTimerEvent&) {
-      const ui::FormView* view = host->ViewOf(dialog);
+      const ui::FormView* view = host_->ViewOf(dialog);
       const bool shown = dialog.Visible() && view && view->Painted() &&
                          wxDynamicCast(wxGetTopLevelParent(view->Panel()), wxTopLevelWindow)->IsActive();
       if (++ticks > 120) {
@@ -151,7 +151,7 @@ class AdditionsOnScreen : public ::testing::Test, protected testing::WizardOnScr
   }
 
   wxWindow* Widget(const ui::Control& control) {
-    return host->ViewOf(control.Owner())->ViewOf(control)->Window();
+    return host_->ViewOf(control.Owner())->ViewOf(control)->Window();
   }
   bool HasFocus(const ui::Control& control) {
     const wxWindow* focus = wxWindow::FindFocus();
@@ -195,7 +195,7 @@ TEST_F(AdditionsOnScreen, ProgramsAreAddedEditedAndDeletedByKeyboardAlone) {
       dialog, Key(WXK_RETURN, wxMOD_NONE, [&] { return page.Grid.Cell(1, 2) == "other"; }),
       {Go('C', wxMOD_ALT, dialog.Parameters), Key('A', wxMOD_CONTROL, Always()),
        Type(dialog.Parameters, "other"), Key(WXK_RETURN, wxMOD_NONE, [&] { return !dialog.Visible(); })});
-  machine.dialogs.answers = {Answer::kOk};
+  machine_.dialogs.answers = {Answer::kOk};
   Do(Key(WXK_DELETE, wxMOD_NONE, [&] { return page.Grid.Rows() == 3; }));
   EXPECT_EQ(page.Grid.Cell(1, 1), "c:\\tools\\second.exe");
   ui::testing::TakeScreenshot("programs-by-keyboard");
@@ -206,7 +206,7 @@ TEST_F(AdditionsOnScreen, ProgramsAreAddedEditedAndDeletedByMouse) {
   auto& dialog = pages().Get<frmAddProgram>();
   for (const char* path : {"C:\\Tools\\first.exe", "C:\\Tools\\second.exe"}) {
     const int rows = page.Grid.Rows();
-    machine.dialogs.files = {path};
+    machine_.dialogs.files = {path};
     InDialog(dialog, Click(page.NewButton, [&, rows] { return page.Grid.Rows() == rows + 1; }),
              {Click(dialog.Browse, [&, path] { return dialog.ExeFileName.Text() == path; }),
               Click(dialog.OK, [&] { return !dialog.Visible(); })});
@@ -220,7 +220,7 @@ TEST_F(AdditionsOnScreen, ProgramsAreAddedEditedAndDeletedByMouse) {
   InDialog(dialog, Click(page.NewButton, Always()),
            {Click(dialog.Cancel, [&] { return !dialog.Visible(); })});
   Do(ClickRow(page.Grid, 1));
-  machine.dialogs.answers = {Answer::kOk};
+  machine_.dialogs.answers = {Answer::kOk};
   Do(Click(page.DeleteButton, [&] { return page.Grid.Rows() == 3; }));
   EXPECT_EQ(page.Grid.Cell(1, 1), "C:\\Tools\\second.exe");
 }
@@ -248,7 +248,7 @@ TEST_F(AdditionsOnScreen, FilesAreAddedEditedAndDeletedByKeyboardAlone) {
        Key(WXK_RETURN, wxMOD_NONE, [&] { return !dialog.Visible(); })});
   InDialog(dialog, Key('A', wxMOD_ALT, Always()),
            {Key(WXK_ESCAPE, wxMOD_NONE, [&] { return !dialog.Visible(); })});
-  machine.dialogs.answers = {Answer::kOk};
+  machine_.dialogs.answers = {Answer::kOk};
   Do(Key('D', wxMOD_ALT, [&] { return page.Grid.Rows() == 2; }));
   EXPECT_FALSE(page.EditButton.Enabled());
 }
@@ -256,7 +256,7 @@ TEST_F(AdditionsOnScreen, FilesAreAddedEditedAndDeletedByKeyboardAlone) {
 TEST_F(AdditionsOnScreen, FilesAreAddedEditedAndDeletedByMouse) {
   auto& page = Open<frmAdditionalFiles>();
   auto& dialog = pages().Get<frmAdditionalFile>();
-  machine.dialogs.files = {"C:\\Tools\\first.exe"};
+  machine_.dialogs.files = {"C:\\Tools\\first.exe"};
   InDialog(
       dialog, Click(page.NewButton, [&] { return page.Grid.Rows() == 3; }),
       {Click(dialog.Browse, [&] { return dialog.SourceFile.Text() == "C:\\Tools\\first.exe"; }),
@@ -271,17 +271,17 @@ TEST_F(AdditionsOnScreen, FilesAreAddedEditedAndDeletedByMouse) {
   ui::testing::TakeScreenshot("files-by-mouse");
   InDialog(dialog, Click(page.EditButton, Always()),
            {Click(dialog.cmdCancel, [&] { return !dialog.Visible(); })});
-  machine.dialogs.answers = {Answer::kOk};
+  machine_.dialogs.answers = {Answer::kOk};
   Do(Click(page.DeleteButton, [&] { return page.Grid.Rows() == 2; }));
 }
 
 TEST_F(AdditionsOnScreen, AFileOfThePackageShowsItsPathGreyed) {
-  RunState& run = app->State();
+  RunState& run = app_->State();
   Open<frmAdditionalFiles>();
   auto& page = pages().Get<frmAdditionalFiles>();
   auto& dialog = pages().Get<frmAdditionalFile>();
-  machine.files.AddFile(run.CabDataFolder + "\\_id_1_first.exe", "x");
-  const InstallerDb db = InstallerDb::Working(machine.services, run);
+  machine_.files.AddFile(run.CabDataFolder + "\\_id_1_first.exe", "x");
+  const InstallerDb db = InstallerDb::Working(machine_.services, run);
   ASSERT_TRUE(db.RunSql("insert into `Component` (`Component`, `Directory_`, `Attributes`) values "
                         "('_id_1_first.exe', 'INSTALLDIR', 0)")
                   .ok());
@@ -341,7 +341,7 @@ TEST_F(AdditionsOnScreen, InstallationOptionsTakeAccessKeysAndTheMouse) {
   Do(Key('C', wxMOD_ALT,
          [&] { return page.SpecifyCustomDirectory.Value() && HasFocus(page.InstallDirectory); }));
   Do(Type(page.InstallDirectory, "d:\\own"));
-  machine.dialogs.folders = {"D:\\Picked"};
+  machine_.dialogs.folders = {"D:\\Picked"};
   Do(Key('R', wxMOD_ALT, [&] { return page.InstallDirectory.Text() == "D:\\Picked"; }));
   Serve(400);  // a button that is pressed by a key stays down for a moment
   Do(Key('I', wxMOD_ALT, [&] { return page.SilentInstall.Checked(); }));
