@@ -66,7 +66,7 @@ class AdditionsOnScreen : public ::testing::Test, protected testing::WizardOnScr
     T& page = pages().Get<T>();
     page.ReadConfig();
     page.Show();
-    auto* window = wxDynamicCast(wxGetTopLevelParent(host_->ViewOf(page)->Panel()), wxTopLevelWindow);
+    auto* window = dynamic_cast<wxTopLevelWindow*>(wxGetTopLevelParent(host_->ViewOf(page)->Panel()));
     Wait([&] { return window->IsActive() && host_->ViewOf(page)->Painted(); });
     Serve(100);
     return page;
@@ -95,7 +95,7 @@ class AdditionsOnScreen : public ::testing::Test, protected testing::WizardOnScr
     timer.Bind(wxEVT_TIMER, [&](wxTimerEvent&) {
       const ui::FormView* view = host_->ViewOf(dialog);
       const bool shown = dialog.Visible() && view && view->Painted() &&
-                         wxDynamicCast(wxGetTopLevelParent(view->Panel()), wxTopLevelWindow)->IsActive();
+                         dynamic_cast<wxTopLevelWindow*>(wxGetTopLevelParent(view->Panel()))->IsActive();
       if (++ticks > 120) {
         ADD_FAILURE() << "step " << next << " of the dialog did not arrive";
         ui::testing::TakeScreenshot("stuck" + std::to_string(++stuck_));
