@@ -79,7 +79,7 @@ class Core : public std::enable_shared_from_this<Core> {
 
  private:
   void MakeSystemTables();
-  Status LoadTable(Table& table, const std::vector<uint8_t>& valid, std::vector<uint32_t>& uses);
+  Status LoadTable(Table& table, StringPool::Uses& uses);
   Status SaveTable(Table& table);
   Status SaveAll();
   Status AppendCatalogue(const Table& table, size_t first_column);

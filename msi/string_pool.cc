@@ -59,18 +59,17 @@ void StringPool::Keep(std::string_view text, Entry& entry) {
   ++own_texts_;
 }
 
-std::vector<uint8_t> StringPool::ValidIds() const {
-  std::vector<uint8_t> valid(entries_.size());
-  for (size_t id = 0; id < entries_.size(); ++id) valid[id] = id == 0 || entries_[id].data != nullptr;
-  return valid;
-}
-
-void StringPool::SetUses(const std::vector<uint32_t>& uses) {
-  for (size_t id = 1; id < entries_.size(); ++id) entries_[id].uses = uses[id];
+Status StringPool::SetUses(Uses uses) {
+  for (size_t id = 1; id < entries_.size(); ++id) {
+    if (uses[id] != 0 && entries_[id].data == nullptr) return Damaged("a table names one that is not there");
+  }
+  uses_ = std::move(uses);
+  return {};
 }
 
 Status StringPool::Load(std::string_view pool, std::string data) {
   entries_.assign(1, Entry{});
+  uses_.assign(1, 0);
   data_ = std::move(data);
   if (pool.empty()) return {};
   if (pool.size() < 4) return Damaged("the list is cut short");
@@ -86,13 +85,12 @@ Status StringPool::Load(std::string_view pool, std::string data) {
     const char* slot = pool.data() + 4 * i;
     size_t length = GetU16(slot);
     Entry& entry = entries_.emplace_back();
-    entry.uses = GetU16(slot + 2);
-    if (length == 0 && entry.uses != 0) {
+    const size_t uses = GetU16(slot + 2);
+    if (length == 0 && uses != 0) {
       // A long text: this slot holds the upper half of its length, the next one the rest and the uses. The
       // text has the number of the first of the two.
       if (i + 1 >= count) return Damaged("a long text is cut short");
-      length = (static_cast<size_t>(entry.uses) << 16) + GetU16(slot + 4);
-      entry.uses = GetU16(slot + 6);
+      length = (uses << 16) + GetU16(slot + 4);
       ++i;
     } else if (length == 0) {
       free_ids_.push_back(static_cast<Id>(entries_.size() - 1));
@@ -121,7 +119,7 @@ void StringPool::Save(std::string* pool, std::string* data) const {
   AppendU32(*pool, static_cast<uint32_t>(code_page_) | (reference_bytes_ == 3 ? kLongReferences : 0));
   for (size_t id = 1; id < entries_.size(); ++id) {
     const Entry& entry = entries_[id];
-    if (entry.data == nullptr || entry.uses == 0) {
+    if (entry.data == nullptr || uses_[id] == 0) {
       AppendU32(*pool, 0);
       continue;
     }
@@ -142,7 +140,7 @@ void StringPool::Save(std::string* pool, std::string* data) const {
       AppendU16(*pool, static_cast<uint16_t>(bytes.size() >> 16));
     }
     AppendU16(*pool, static_cast<uint16_t>(bytes.size()));
-    AppendU16(*pool, static_cast<uint16_t>(std::min<uint32_t>(entry.uses, 0xFFFF)));
+    AppendU16(*pool, static_cast<uint16_t>(std::min<uint32_t>(uses_[id], 0xFFFF)));
     data->append(bytes);
   }
 }
@@ -277,6 +275,7 @@ Result<StringPool::Id> StringPool::Intern(std::string_view text) {
     if (entries_.size() >= kMaxIds) return {kErrorDiskFull, "The database holds too many different texts."};
     id = static_cast<Id>(entries_.size());
     entries_.emplace_back();
+    uses_.push_back(0);
   } else {
     id = free_ids_.back();
     free_ids_.pop_back();
@@ -291,7 +290,7 @@ Result<StringPool::Id> StringPool::Intern(std::string_view text) {
 
 void StringPool::AddUse(Id id, bool temporary) {
   if (id == 0) return;
-  ++(temporary ? temporary_uses_[id] : entries_[id].uses);
+  ++(temporary ? temporary_uses_[id] : uses_[id]);
   dirty_ = dirty_ || !temporary;
 }
 
@@ -301,15 +300,14 @@ void StringPool::DropUse(Id id, bool temporary) {
     const auto found = temporary_uses_.find(id);
     if (found != temporary_uses_.end() && --found->second == 0) temporary_uses_.erase(found);
   } else {
-    if (entries_[id].uses > 0) --entries_[id].uses;
+    if (uses_[id] > 0) --uses_[id];
     dirty_ = true;
   }
   DropIfUnused(id);
 }
 
 void StringPool::DropIfUnused(Id id) {
-  const Entry& entry = entries_[id];
-  if (id == 0 || entry.data == nullptr || entry.uses != 0) return;
+  if (id == 0 || entries_[id].data == nullptr || uses_[id] != 0) return;
   if (temporary_uses_.empty() || temporary_uses_.count(id) == 0) Forget(id);
 }
 
@@ -321,6 +319,7 @@ void StringPool::Forget(Id id) {
   }
   if (!raw_.empty()) raw_.erase(id);
   entries_[id] = Entry{};
+  uses_[id] = 0;
   free_ids_.push_back(id);
 }
 

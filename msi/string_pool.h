@@ -26,10 +26,10 @@ class StringPool {
 
   /// Reads the streams `_StringPool` and `_StringData`. Fails when they do not fit together.
   Status Load(std::string_view pool, std::string data);
-  /// A byte for each id that is not 0 where it names a text, and for id 0.
-  std::vector<uint8_t> ValidIds() const;
-  /// The counted uses by cells, by id, which replace what the file says of them.
-  void SetUses(const std::vector<uint32_t>& uses);
+  using Uses = std::vector<uint32_t, LargeAllocator<uint32_t>>;
+  /// The counted uses by cells, by id, which replace what the file says of them. Fails when an id is in use
+  /// that names no text.
+  Status SetUses(Uses uses);
   /// The two streams for the present content.
   void Save(std::string* pool, std::string* data) const;
 
@@ -73,7 +73,6 @@ class StringPool {
     const char* data = nullptr;  // UTF-8; null for an id that is not in use
     uint32_t length : 31 = 0;
     uint32_t own : 1 = 0;  // data was made here and is not a part of data_
-    uint32_t uses = 0;
     uint32_t hash = 0;
 
     std::string_view text() const { return {data, length}; }
@@ -95,6 +94,7 @@ class StringPool {
   int reference_bytes_ = 2;
   std::string data_;                                   // `_StringData` as loaded
   std::vector<Entry, LargeAllocator<Entry>> entries_;  // by id
+  Uses uses_;                                          // by id
   size_t own_texts_ = 0;                               // entries whose text was made here
   std::unordered_map<Id, uint32_t> temporary_uses_;
   // The bytes of the file for texts that are not the same there, so that they go back as they came.

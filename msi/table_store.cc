@@ -70,12 +70,11 @@ Status Core::Load() {
   KW_ASSIGN_OR_RETURN(const std::string pool_bytes, file_->ReadAll(*pool));
   KW_ASSIGN_OR_RETURN(std::string data_bytes, file_->ReadAll(*data));
   KW_RETURN_IF_ERROR(pool_.Load(pool_bytes, std::move(data_bytes)));
-  const std::vector<uint8_t> valid = pool_.ValidIds();
-  std::vector<uint32_t> uses(pool_.size(), 0);
+  StringPool::Uses uses(pool_.size(), 0);
   Table& names = *System("_Tables");
   Table& columns = *System("_Columns");
-  KW_RETURN_IF_ERROR(LoadTable(names, valid, uses));
-  KW_RETURN_IF_ERROR(LoadTable(columns, valid, uses));
+  KW_RETURN_IF_ERROR(LoadTable(names, uses));
+  KW_RETURN_IF_ERROR(LoadTable(columns, uses));
 
   std::map<Cell, std::vector<Column>> schemas;
   for (Table::Row row = 0; row < names.row_end(); ++row) schemas[names.Get(row, 0)];
@@ -106,14 +105,13 @@ Status Core::Load() {
       return Damaged("a table has an impossible name");
     }
     auto table = std::make_unique<Table>(name, std::move(list));
-    KW_RETURN_IF_ERROR(LoadTable(*table, valid, uses));
+    KW_RETURN_IF_ERROR(LoadTable(*table, uses));
     tables_.emplace(name, std::move(table));
   }
-  pool_.SetUses(uses);
-  return {};
+  return pool_.SetUses(std::move(uses));
 }
 
-Status Core::LoadTable(Table& table, const std::vector<uint8_t>& valid, std::vector<uint32_t>& uses) {
+Status Core::LoadTable(Table& table, StringPool::Uses& uses) {
   const auto stream = file_->Find(StoredName(table.name()));
   if (!stream || stream->size() == 0) return {};
   const int reference = pool_.reference_bytes();
@@ -140,7 +138,7 @@ Status Core::LoadTable(Table& table, const std::vector<uint8_t>& valid, std::vec
     }
     if (column.is_text()) {
       for (const Cell cell : cells) {
-        if (cell >= valid.size() || valid[cell] == 0)
+        if (cell >= uses.size())
           return Damaged("the table " + table.name() + " names a text that is not there");
         ++uses[cell];
       }
