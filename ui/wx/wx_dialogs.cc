@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/wx/file_chooser.h"
 #include "ui/wx/system_help.h"
 #include "ui/wx/wx_host.h"
 #include "ui/wx/wx_text.h"
@@ -52,9 +53,9 @@ void ShowBox(WxHost& host, const std::string& text, long icon) {
   box.ShowModal();
 }
 
-/// A folder on the host that exists, at `windows_path` or above it; "" when there is none.
+/// A folder on the host that exists, at `windows_path` or above it; the usual one where none is asked for.
 wxString StartFolder(const PathMapper& paths, const std::string& windows_path) {
-  if (windows_path.empty()) return "";
+  if (windows_path.empty()) return UsualStartFolder(paths);
   wxFileName folder = wxFileName::DirName(ToWx(paths.to_host(windows_path)));
   while (!folder.DirExists() && folder.GetDirCount() > 0) folder.RemoveLastDir();
   return folder.DirExists() ? folder.GetPath() : wxString();
@@ -97,6 +98,7 @@ std::string WxDialogs::OpenFile(const std::string& title, const std::string& fil
   wxFileDialog dialog(host_.BoxParent(), ToWx(title), StartFolder(paths_, start_folder), ToWx(start_name),
                       filter.empty() ? wxString(wxFileSelectorDefaultWildcardStr) : ToWx(filter),
                       wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+  ShowMachinePaths(dialog, paths_);
   return dialog.ShowModal() == wxID_OK ? paths_.to_windows(FromWx(dialog.GetPath())) : "";
 }
 
@@ -104,6 +106,7 @@ std::string WxDialogs::BrowseForFolder(const std::string& title, const std::stri
   host_.Flush();
   wxDirDialog dialog(host_.BoxParent(), ToWx(title), StartFolder(paths_, start),
                      wxDD_DEFAULT_STYLE | wxDD_DIR_MUST_EXIST);
+  ShowMachinePaths(dialog, paths_);
   return dialog.ShowModal() == wxID_OK ? paths_.to_windows(FromWx(dialog.GetPath())) : "";
 }
 
