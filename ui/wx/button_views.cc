@@ -146,7 +146,7 @@ class OptionView : public ControlView, public WrappingView {
   wxRadioButton* GroupBefore(wxWindow* parent) const {
     const wxWindowList& children = parent->GetChildren();
     for (auto node = children.GetLast(); node; node = node->GetPrevious()) {
-      auto* radio = wxDynamicCast(node->GetData(), wxRadioButton);
+      auto* radio = dynamic_cast<wxRadioButton*>(node->GetData());
       if (!radio || !radio->GetClientData()) continue;
       return reinterpret_cast<intptr_t>(radio->GetClientData()) == option_.Group() + 1 ? radio : nullptr;
     }
