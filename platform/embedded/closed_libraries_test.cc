@@ -10,9 +10,6 @@
 #include "platform/testing/fake_registry.h"
 #include "platform/testing/fake_system.h"
 
-/// A library that crashed never gives back what it held; the leak checker need not tell it.
-extern "C" const char* __lsan_default_suppressions() { return "leak:TxPanelLib\n"; }
-
 namespace kw::platform::testing {
 namespace {
 
