@@ -399,6 +399,7 @@ TEST_P(WholeBuildFaults, AWizardThatIsKilledLeavesWholeFilesAndNothingAfterItsNe
 
 INSTANTIATE_TEST_SUITE_P(Builds, WholeBuildFaults,
                          ::testing::Values(Scenario{"package", "everything.kw", "710", "Out/Customised"},
+                                           Scenario{"package_700", "everything.kw", "700", "Out/Customised"},
                                            Scenario{"optimized", "everything.kw", "710", "Out/Customised",
                                                     true},
                                            Scenario{"settings", "settings.kw", "710", "Out"}),
