@@ -81,7 +81,7 @@ class CompoundFile {
   Result<std::shared_ptr<CfStream>> Hold(uint64_t size, const Source& source);
   /// A stream of these bytes without a name yet.
   Result<std::shared_ptr<CfStream>> WriteBytes(std::string_view bytes);
-  /// Makes `stream` the content of the top-level entry `name`, in place of what it held.
+  /// Makes `stream` the content of the top-level entry `name`, in place of the stream or storage that it was.
   void Put(const std::u16string& name, std::shared_ptr<CfStream> stream);
   /// Gives the top-level entry `name` the content `bytes`; of a large stream only changed sectors are
   /// written.

@@ -204,6 +204,9 @@ Result<std::shared_ptr<CfStream>> CompoundFile::Write(uint64_t size, const Sourc
 
 void CompoundFile::Put(const std::u16string& name, std::shared_ptr<CfStream> stream) {
   dirty_ = true;
+  // A damaged file may hold a storage there, which as an entry has no room for a stream's content.
+  const auto found = root_.children.find(name);
+  if (found != root_.children.end() && found->second->type != kStreamEntry) Remove(name);
   std::unique_ptr<CfEntry>& entry = root_.children[name];
   if (!entry) {
     entry = std::make_unique<CfEntry>();
