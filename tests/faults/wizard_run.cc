@@ -5,6 +5,7 @@
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -54,6 +55,15 @@ void CollectChildren() {
     if (ended < 0) return;
     if (ended == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
+}
+
+// In memory where there is room, and where programs may be run: thousands of machines are laid out.
+fs::path MachinesFolder() {
+  constexpr uint64_t kRoom = uint64_t{256} << 20;
+  struct statvfs memory {};
+  const bool usable = ::statvfs("/dev/shm", &memory) == 0 && (memory.f_flag & (ST_NOEXEC | ST_RDONLY)) == 0 &&
+                      uint64_t{memory.f_bavail} * memory.f_frsize >= kRoom;
+  return usable ? fs::path("/dev/shm") : fs::temp_directory_path();
 }
 
 void WriteAll(int fd, std::string_view text) {
@@ -120,9 +130,7 @@ WizardRuns::WizardRuns(const std::string& level, std::string before_build, std::
     : level_(level), before_build_(std::move(before_build)), build_(std::move(build)) {
   ::prctl(PR_SET_CHILD_SUBREAPER, 1);
   ::signal(SIGPIPE, SIG_IGN);
-  // In memory where that can be had: thousands of machines are laid out.
-  std::string pattern =
-      (fs::exists("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path()) / "kw-faults-XXXXXX";
+  std::string pattern = MachinesFolder() / "kw-faults-XXXXXX";
   if (::mkdtemp(pattern.data()) == nullptr) Fail("mkdtemp");
   work_ = pattern;
   machine_ = work_ + "/machine";
