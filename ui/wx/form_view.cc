@@ -157,6 +157,10 @@ void FormView::DoLayout() {
   }
 }
 
+void FormView::ForgetSizes() {
+  for (ControlView* view : order_) view->Window()->InvalidateBestSize();
+}
+
 wxSize FormView::LeastSize() const { return panel_->GetSizer()->CalcMin(); }
 
 void FormView::Focus(const Control& control, bool select_all) {

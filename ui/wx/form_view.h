@@ -50,6 +50,8 @@ class FormView {
   void NeedLayout() { need_layout_ = true; }
   /// Breaks the labels and places everything for the panel's present size.
   void DoLayout();
+  /// Lets the widgets work out anew how much room they need.
+  void ForgetSizes();
   /// The least size of the panel that shows everything.
   wxSize LeastSize() const;
 

@@ -15,7 +15,6 @@ class PicturePanel : public wxPanel {
   };
   PicturePanel(wxWindow* parent, const wxBitmapBundle& picture, const wxColour& plain, Anchor anchor);
 
-
  private:
   void Paint();
 

@@ -1,16 +1,19 @@
 #include "ui/wx/wx_dialogs.h"
 
 #include <wx/dirdlg.h>
+#include <wx/display.h>
 #include <wx/filedlg.h>
 #include <wx/filename.h>
 #include <wx/fs_zip.h>
 #include <wx/html/helpctrl.h>
+#include <wx/html/helpfrm.h>
 #include <wx/msgdlg.h>
 
 #include <algorithm>
 #include <utility>
 
 #include "ui/wx/file_chooser.h"
+#include "ui/wx/label_text.h"
 #include "ui/wx/system_help.h"
 #include "ui/wx/wx_host.h"
 #include "ui/wx/wx_text.h"
@@ -20,6 +23,9 @@ namespace kw::ui {
 using platform::Answer;
 
 namespace {
+
+constexpr int kHelpWidth = 900;  // of the help window at 100 %
+constexpr int kHelpHeight = 680;
 
 wxString Caption(Answer answer) {
   switch (answer) {
@@ -128,8 +134,16 @@ Status WxDialogs::ShowHelp(const std::string& help_file, int context_id) {
     }
     help_book_ = path;
   }
+  const bool shown_before = help_->GetFrame() != nullptr;
   if (!help_->DisplaySection(context_id)) {
     return {kErrorFileNotFound, "The help book has no page for topic " + std::to_string(context_id) + "."};
+  }
+  if (wxFrame* frame = shown_before ? nullptr : help_->GetFrame()) {
+    wxSize size = ScaledSize(*frame, wxSize(kHelpWidth, kHelpHeight));
+    const wxRect screen = wxDisplay(frame).GetClientArea();
+    size.DecTo(screen.GetSize());
+    frame->SetSize(size);
+    frame->CentreOnScreen();
   }
   return {};
 }

@@ -172,17 +172,22 @@ void WxHost::ShowDialog(Form& form) {
     window->SetClientSize(first);
   }
   view.Panel()->Show();
-  window->SetMinClientSize(view.LeastSize());
-  wxSize size = window->GetClientSize();
-  size.IncTo(view.LeastSize());
-  window->SetClientSize(size);
-  window->Layout();
-  view.DoLayout();
+  FitDialog(*window, view);
   window->CentreOnParent();
   view.ApplyDefaultButton();
   window->Show();
   wants_focus_ = &form;
   FlushSoon();
+}
+
+void WxHost::FitDialog(wxTopLevelWindow& window, FormView& view) {
+  const wxSize least = view.LeastSize();
+  window.SetMinClientSize(least);
+  wxSize size = window.GetClientSize();
+  size.IncTo(least);
+  window.SetClientSize(size);
+  window.Layout();
+  view.DoLayout();
 }
 
 void WxHost::ShowStatus(Form& form) {
@@ -424,7 +429,16 @@ void WxHost::OnIdle(wxIdleEvent& event) {
   Flush();
   if (wants_focus_) {
     const Form* form = std::exchange(wants_focus_, nullptr);
-    if (FormView* view = ViewOf(*form)) view->FocusSomething();
+    if (FormView* view = ViewOf(*form)) {
+      view->FocusSomething();
+      // Widgets learn only on the screen how high a font makes them.
+      view->ForgetSizes();
+      if (form->Style() == FormStyle::kDialog) {
+        FitDialog(*WindowOf(*form), *view);
+      } else {
+        view->DoLayout();
+      }
+    }
   }
   if (frame_ && pages_.empty() && frame_->IsShown()) frame_->Hide();
   if (handling_ > 0) return;

@@ -81,6 +81,8 @@ class WxHost : public FormHost, private wxEventFilter {
   void ShowPage(Form& form);
   void ShowDialog(Form& form);
   void ShowStatus(Form& form);
+  /// Gives a dialog the room that its content needs.
+  static void FitDialog(wxTopLevelWindow& window, FormView& view);
   Form* TopPage() const { return pages_.empty() ? nullptr : pages_.back(); }
   void CloseTopPage();
   void CloseDialog(Form& form);
