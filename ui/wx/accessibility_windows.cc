@@ -1,5 +1,8 @@
 #include <wx/ctrlsub.h>
+#include <wx/msw/wrapwin.h>
 #include <wx/textentry.h>
+
+#include <cstdint>
 
 #include "ui/wx/accessibility.h"
 
@@ -17,7 +20,14 @@ void SetAccessibleDescription(wxWindow* window, const wxString& description) {
   window->SetHelpText(description);
 }
 
-void SetAccessibleId(wxWindow* window, const wxString& id) { window->SetName(id); }
+// Another program sees no name of a window, but its properties, which are numbers: FNV-1a of the name in
+// UTF-8.
+void SetAccessibleId(wxWindow* window, const wxString& id) {
+  window->SetName(id);
+  uint32_t number = 2166136261U;
+  for (const char letter : id.utf8_string()) number = (number ^ static_cast<uint8_t>(letter)) * 16777619U;
+  SetPropW(window->GetHWND(), L"Kitwright.Id", reinterpret_cast<HANDLE>(static_cast<uintptr_t>(number)));
+}
 
 // The system knows dialogs by the class of their windows.
 void MarkAsDialog(wxWindow*) {}

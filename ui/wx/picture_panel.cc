@@ -6,7 +6,8 @@ namespace kw::ui {
 
 PicturePanel::PicturePanel(wxWindow* parent, const wxBitmapBundle& picture, const wxColour& plain,
                            Anchor anchor)
-    : wxPanel(parent, wxID_ANY), picture_(picture), plain_(plain), anchor_(anchor) {
+    : picture_(picture), plain_(plain), anchor_(anchor) {
+  Create(parent, wxID_ANY);
   SetBackgroundStyle(wxBG_STYLE_PAINT);
   SetBackgroundColour(plain);
   // A picture is nothing to act on: Tab passes it over.
@@ -14,12 +15,24 @@ PicturePanel::PicturePanel(wxWindow* parent, const wxBitmapBundle& picture, cons
   Bind(wxEVT_PAINT, [this](wxPaintEvent&) { Paint(); });
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
+    const wxSize room = GetClientSize();
+    if (ChildrenPaintTheirBackground() && room.x > 0 && room.y > 0) {
+      wxBitmap whole(room);
+      wxMemoryDC dc(whole);
+      Draw(dc);
+      dc.SelectObject(wxNullBitmap);
+      SetBackgroundBitmap(whole);
+    }
     Refresh();
   });
 }
 
 void PicturePanel::Paint() {
   wxAutoBufferedPaintDC dc(this);
+  Draw(dc);
+}
+
+void PicturePanel::Draw(wxDC& dc) {
   dc.SetBackground(wxBrush(plain_));
   dc.Clear();
   const wxSize room = GetClientSize();
