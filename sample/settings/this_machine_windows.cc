@@ -3,8 +3,6 @@
 #undef CopyFile
 #undef DeleteFile
 
-#include <shlobj.h>
-
 #include "platform/windows/registry.h"
 #include "platform/windows/registry_views.h"
 #include "platform/windows/wide.h"
@@ -28,7 +26,13 @@ int CopyIntoOpenKey(platform::Registry&, platform::Hive root, const std::string&
   return static_cast<int>(status);
 }
 
-bool UserIsAdministrator(const MachinePaths&) { return IsUserAnAdmin() != FALSE; }
+bool UserIsAdministrator(const MachinePaths&) {
+  BYTE administrators[SECURITY_MAX_SID_SIZE];
+  DWORD size = sizeof administrators;
+  BOOL member = FALSE;
+  return CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, administrators, &size) &&
+         CheckTokenMembership(nullptr, administrators, &member) && member;
+}
 
 std::string OwnProgram() {
   std::wstring path(32768, L'\0');

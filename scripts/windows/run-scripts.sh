@@ -1,39 +1,93 @@
 #!/bin/bash
-# Runs the driver scripts of tests/scripts with kitwright-drive.exe under Wine, on a machine that is set up by installing
-# the sample package, and compares the transcripts with those of the embedded machine. Prints GoogleTest's words.
-# scripts-not-run.txt names the scripts that are left out, with the reason.
+# Runs the driver scripts of tests/scripts with kitwright-drive.exe under Wine, on machines that are set up by installing
+# the sample packages, and compares the transcripts, and what the runs left behind, with those of the embedded machine.
+# Windows Installer then judges every package that a run built. Prints GoogleTest's words. scripts-not-run.txt names the
+# scripts that are left out, with the reason.
 #
-#   scripts/windows/run-scripts.sh [NAME...]    all of them, or those that are named
+# Then it plays the scripts of tests/screen on the real windows, and compares what they show with the driver's transcript.
+#
+#   scripts/windows/run-scripts.sh [NAME...]    all of them, or those that are named; screen:NAME is one of tests/screen
+#
+# KITWRIGHT_PICTURES names a folder for pictures of the windows that those show.
+#
+# KITWRIGHT_WORKERS says how many run at a time (as many as there are processors when it says nothing),
+# KITWRIGHT_NATIVE_BUILD names a native build folder other than build/.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 root=$(cd "$here/../.." && pwd)
 cd "$root"
 native=${KITWRIGHT_NATIVE_BUILD:-$root/build}
 cross=$root/build-windows-x64
-level=710
+workers=${KITWRIGHT_WORKERS:-$(nproc)}
+levels=(700 710)
 
-# The sample machine is laid out by the native build's programs.
+# The sample machines are laid out by the native build's programs.
 if [[ -z ${KITWRIGHT_NATIVE_BUILD:-} ]]; then
   cmake --preset release > /dev/null
 fi
 cmake --preset windows > /dev/null
 cmake --build "$native" --target sample-content sample_windows sample_settings_tool TxMailScan TxPanelLib TxHelpLib \
-  SampleDialogs settings-cipher sample_templates > "$cross/native-build.txt"
-cmake --build "$cross" --target kitwright-drive CabArc MakeCab FEADZED StcSign zedutil TxUnzip bulwarkcfg TxMailScan \
-  TxPanelLib TxHelpLib sample_settings_tool sample_templates > "$cross/scripts-build.txt"
+  SampleDialogs settings-cipher msisql sample_templates > "$cross/native-build.txt" || {
+  tail -n 50 "$cross/native-build.txt"
+  exit 1
+}
+cmake --build "$cross" --target kitwright kitwright-drive play-on-windows CabArc MakeCab FEADZED StcSign zedutil TxUnzip bulwarkcfg TxMailScan \
+  TxPanelLib TxHelpLib sample_settings_tool sample_templates help_zed help_bulwark > "$cross/scripts-build.txt" || {
+  tail -n 50 "$cross/scripts-build.txt"
+  exit 1
+}
 
 source "$here/wine-session.sh"
+# What takes the place of the native build in what prepares and examines a run's machine.
+stand_in=$wine_home/build
+mkdir -p "$stand_in/bin" "$stand_in/tests/machines"
+ln -s "$here/machine/"* "$stand_in/bin/"
+for part in BCN BWK KTE ZED local; do ln -s "$cross/bin/$part" "$stand_in/bin/$part"; done
+ln -s "$native/tests/settings-cipher" "$stand_in/tests/settings-cipher"
+x86_64-w64-mingw32-gcc-posix -O1 -municode -o "$wine_home/plain_user.exe" "$here/plain_user.c"
+x86_64-w64-mingw32-gcc-posix -O1 -o "$wine_home/wine_dump.exe" tests/peers/wine_dump.c -lmsi
+gcc -O1 -shared -fPIC -o "$wine_home/machine_memory.so" "$here/machine_memory.c"
+export KITWRIGHT_WINE_AS="${as_user[*]}" KITWRIGHT_WINE_OWNER=${nobody:+$nobody:$nobody}
+export KITWRIGHT_WINE_DUMP=$wine_home/wine_dump.exe KITWRIGHT_MSISQL=$native/bin/msisql
+for level in "${levels[@]}"; do
+  KITWRIGHT_BUILD_DIR=$native tests/run-script --machine "$level"
+  ln -s "$native/tests/machines/$level" "$stand_in/tests/machines/$level"
+done
+grep -rhoE '\{[0-9A-Fa-f]{8}(-[0-9A-Fa-f]{4}){3}-[0-9A-Fa-f]{12}\}' sample tests/scripts --exclude='*.expected' |
+  sort -u > "$wine_home/known" || true
+grep -v '^#' "$here/differences.txt" | sed 's/  .*//' > "$wine_home/differences"
+export LD_PRELOAD=$wine_home/machine_memory.so
 start_wine
-KITWRIGHT_BUILD_DIR=$native tests/run-script --machine "$level"
-machine=$native/tests/machines/$level
 
-# set_up: makes a machine of the prefix.
+# keep FOLDER: copies what makes the machine of the prefix, all but the system's own files.
+keep() {
+  end_server
+  mkdir -p "$1/drive_c/windows"
+  cp -a "$WINEPREFIX/"*.reg "$1/"
+  (cd "$WINEPREFIX/drive_c" && find . -mindepth 1 -maxdepth 1 ! -name windows -exec cp -a -t "$1/drive_c" {} +)
+  [[ ! -d $WINEPREFIX/drive_c/windows/Installer ]] || cp -a "$WINEPREFIX/drive_c/windows/Installer" "$1/drive_c/windows/"
+  give_to_user "$1"
+}
+# put_back FOLDER: makes the prefix the machine that was kept there.
+put_back() {
+  end_server
+  local drive=$WINEPREFIX/drive_c
+  chmod -R u+w "$drive"
+  find "$WINEPREFIX" -mindepth 1 -maxdepth 1 ! -name drive_c ! -name dosdevices ! -name ".update*" -exec rm -rf {} +
+  find "$drive" -mindepth 1 -maxdepth 1 ! -name windows -exec rm -rf {} +
+  rm -rf "$drive/windows/Installer"
+  cp -a "$1/." "$WINEPREFIX/"
+  "${as_user[@]}" wineserver -p
+}
+
+# set_up LEVEL: makes the fresh prefix a machine of that level.
 set_up() {
-  local drive=$WINEPREFIX/drive_c product part
+  local level=$1 drive=$WINEPREFIX/drive_c machine=$native/tests/machines/$1 product part
   cp -r "$machine/drive_c/"{Packages,Payloads} "$drive/"
   mkdir -p "$drive/Temp" "$drive/Kitwright"
   cp -r "$machine/drive_c/ProgramData/." "$drive/ProgramData/"
-  cp "$cross/bin/"{kitwright-drive,CabArc,MakeCab,StcSign,FEADZED}.exe "$cross/bin/Repacker.stub" \
+  cp "$cross/bin/"{Kitwright,kitwright-drive,CabArc,MakeCab,StcSign,FEADZED}.exe "$cross/bin/Repacker.stub" \
+    "$cross/bin/"*.htb "$cross/tests/play-on-windows.exe" \
     "$cross/bin/"{zedutil,TxUnzip,bulwarkcfg}.dll "$drive/Kitwright/"
   for part in BCN BWK KTE ZED local; do cp -r "$cross/bin/$part" "$drive/Kitwright/"; done
   give_to_user "$drive"
@@ -55,101 +109,188 @@ set_up() {
     cp "$machine/drive_c/Program Files/Orvantic/$part" "$drive/Program Files/Orvantic/$part"
   done
   give_to_user "$drive"
-  # What each script finds anew: all but the system's own files.
-  end_server
-  mkdir -p "$wine_home/kept"
-  cp -a "$WINEPREFIX/"*.reg "$wine_home/kept/"
-  mkdir -p "$wine_home/kept/drive_c"
-  (cd "$drive" && find . -mindepth 1 -maxdepth 1 ! -name windows -exec cp -a -t "$wine_home/kept/drive_c" {} +)
-  give_to_user "$wine_home/kept"
+  (cd "$WINEPREFIX" && KITWRIGHT_BUILD_DIR=$stand_in "$root/tests/live-settings") > "$wine_home/live.before"
+  keep "$wine_home/kept-$level"
+  cp "$wine_home/live.before" "$wine_home/kept-$level/"
 }
 
-end_server() {
-  "${as_user[@]}" wineserver -k 2> /dev/null || true
-  "${as_user[@]}" wineserver -w
-}
-
-# fresh_machine: puts the prefix back to what set_up made.
-fresh_machine() {
-  end_server
-  chmod -R u+w "$WINEPREFIX/drive_c"
-  find "$WINEPREFIX/drive_c" -mindepth 1 -maxdepth 1 ! -name windows -exec rm -rf {} +
-  cp -a "$wine_home/kept/." "$WINEPREFIX/"
-  "${as_user[@]}" wineserver -p
-}
-
-# plain: names made of the time and new identifiers by their number, in order of appearance.
+# plain: names made of the time and new identifiers by their number, in order of appearance; the program's folder; the
+# top of drive C, where it is told in one line, without what only one of the two machines has.
 plain() {
-  sed -e 's/C:\\Kitwright\\/<program folder>\\/g' -e 's/C:\\Kitwright/<program folder>/g' | tr -d '\r' | awk '
+  sed -e '/^drive_c: /{ s/ Kitwright\b//; s/ Program Files (x86)//; s/ users\b//; s/ [Ww]indows\b//; s/ Documents and Settings// }' -e 's/C:\\Kitwright\\/<program folder>\\/g' -e 's/C:\\Kitwright/<program folder>/g' | tr -d '\r' | awk '
     {
       rest = $0
       line = ""
       while (match(rest, /_id_[0-9]+/)) {
         id = substr(rest, RSTART, RLENGTH)
+        # Behind the first run: the clock of the embedded machine stands still, so that a second one has the same names.
+        if (ended) names[id] = "_id_<later>"
         if (!(id in names)) names[id] = "_id_<" ++count ">"
         line = line substr(rest, 1, RSTART - 1) names[id]
         rest = substr(rest, RSTART + RLENGTH)
       }
       print line rest
-    }' | awk -v known="$wine_home/known" -f tests/new-identifiers.awk
+    }
+    /^exit [0-9]+$/ { ended = 1 }' | awk -v known="$wine_home/known" -f tests/new-identifiers.awk | awk -f "$here/registry-order.awk"
 }
-grep -rhoE '\{[0-9A-Fa-f]{8}(-[0-9A-Fa-f]{4}){3}-[0-9A-Fa-f]{12}\}' sample tests/scripts --exclude='*.expected' |
-  sort -u > "$wine_home/known" || true
-
 # known_differences: without the lines that differ for a known reason (differences.txt).
-known_differences() {
-  grep -v '^#' "$here/differences.txt" | sed 's/  .*//' > "$wine_home/differences"
-  grep -vxEf "$wine_home/differences" || true
+known_differences() { grep -avxEf "$wine_home/differences" || true; }
+
+# vary VARIANT LEVEL: makes another machine of the worker's: "32-bit", the product has installed itself as a 32-bit program,
+# so that its settings are in the registry's view for those; "rewritten", the package to open was written by Windows
+# Installer.
+vary() {
+  local drive=$WINEPREFIX/drive_c package
+  case $1 in
+    32-bit)
+      run_wine 60 reg copy 'HKLM\Software\Orvantic' 'HKLM\Software\WOW6432Node\Orvantic' /s /f > /dev/null
+      run_wine 60 reg delete 'HKLM\Software\Orvantic' /f > /dev/null
+      (cd "$WINEPREFIX" && "$root/tests/live-settings") > "$WINEPREFIX/live.before"
+      ;;
+    rewritten)
+      mkdir "$drive/exported"
+      package='C:\Packages\Kestrane\Kte'$2.msi
+      give_to_user "$drive"
+      run_wine 60 "$KITWRIGHT_WINE_DUMP" "$package" --export 'C:\exported'
+      rm "$drive/Packages/Kestrane/Kte$2.msi"
+      run_wine 60 "$KITWRIGHT_WINE_DUMP" "$package" --import 'C:\exported'
+      rm -r "$drive/exported"
+      ;;
+  esac
 }
 
 # not_run NAME: the reason for leaving a script out.
-not_run() { sed -n "s/^$1  *//p" "$here/scripts-not-run.txt"; }
+not_run() { sed -n "s/^$1   *//p" "$here/scripts-not-run.txt"; }
 
-set_up
-passed=0 failed=() skipped=()
-names=("$@")
-if [[ ${#names[@]} -eq 0 ]]; then
-  for script in tests/scripts/*.kw; do names+=("$(basename "$script" .kw)"); done
-fi
-for name in "${names[@]}"; do
-  script=tests/scripts/$name
-  said=$(sed -n 's/^# level: *//p' "$script.kw" | head -n 1)
-  reason=$(not_run "$name")
-  [[ -n $reason || ${said:-$level} == "$level" ]] || reason="its machine is of level $said"
-  if [[ -z $reason && -f $script.before ]] && grep -qE 'machine\.ini|registry/|kitwright-drive' "$script.before"; then
-    reason="it is prepared by means of the embedded machine"
-  fi
-  if [[ -n $reason ]]; then
-    skipped+=("script.$name: $reason")
-    continue
-  fi
-  fresh_machine
-  cp "$script.kw" "$wine_home/script.kw"
-  # What a run left behind is told by a script that may itself need the embedded machine, or print registry values in
-  # their order, which Wine does not keep.
-  after=$script.after
-  if [[ -f $after ]] && grep -qE 'machine\.ini|registry/|kitwright-drive|show-remains|show-settings' "$after"; then after=; fi
-  export KITWRIGHT_ROOT=$WINEPREFIX KITWRIGHT_TESTS=$root/tests KITWRIGHT_BUILD_DIR=$native
-  if [[ -f $script.before ]]; then (cd "$WINEPREFIX" && bash -eu "$root/$script.before" && give_to_user drive_c); fi
-  status=0
+# run_one NAME[@VARIANT] FOLDER: runs a script on the worker's machine; the folder is for its files. Prints the difference.
+run_one() (
+  local name=$1 work=$2 script=$root/tests/scripts/${1%@*} status=0 after= level seconds start
+  if [[ -f $script.after && -z $(not_run "$name:after") ]]; then after=$script.after; fi
+  level=$(sed -n 's/^# level: *//p' "$script.kw" | head -n 1)
+  seconds=$(sed -n 's/^# seconds: *//p' "$script.kw" | head -n 1)
+  put_back "$wine_home/kept-${level:-710}"
+  export KITWRIGHT_ROOT=$WINEPREFIX KITWRIGHT_TESTS=$root/tests KITWRIGHT_BUILD_DIR=$stand_in
+  export KITWRIGHT_TRANSCRIPT=$work/transcript
+  if [[ $name == *@* ]]; then export KITWRIGHT_VARIANT=${name#*@}; fi
+  vary "${KITWRIGHT_VARIANT:-}" "${level:-710}"
   # No person is there for the product's dialog boxes.
-  (cd "$WINEPREFIX/drive_c/Kitwright" && SAMPLE_TOOL_ANSWER=cancel run_wine 120 kitwright-drive.exe "Z:${wine_home//\//\\}\\script.kw") \
-    > "$wine_home/transcript" 2>&1 || status=$?
-  {
-    cat "$wine_home/transcript"
-    echo "exit $status"
-    if [[ -f $after ]]; then (cd "$WINEPREFIX" && bash -eu "$root/$after") 2>&1 || echo "after: failed"; fi
-  } | plain | known_differences > "$wine_home/printed"
-  if [[ -n $after ]]; then cat "$script.expected"; else sed '/^exit [0-9]*$/q' "$script.expected"; fi |
-    plain | known_differences > "$wine_home/expected"
-  if diff -u --label "$name embedded" --label "$name windows" "$wine_home/expected" "$wine_home/printed"; then
-    passed=$((passed + 1))
-  else
-    failed+=("script.$name")
+  export SAMPLE_TOOL_ANSWER=cancel
+  if [[ -f $script.before ]] && ! (cd "$WINEPREFIX" && timeout 240 bash -eu "$script.before") > "$work/before" 2>&1; then
+    echo "$name.before failed:"
+    cat "$work/before"
+    exit 1
   fi
+  give_to_user "$WINEPREFIX/drive_c"
+  start=(kitwright-drive.exe)
+  if [[ -f $WINEPREFIX/drive_c/Kitwright/plain-user ]]; then start=("Z:${wine_home//\//\\}\\plain_user.exe" "${start[@]}"); fi
+  (cd "$WINEPREFIX/drive_c/Kitwright" && run_wine "$((2 * ${seconds:-60}))" "${start[@]}" < "$script.kw") \
+    > "$work/transcript" 2>&1 || status=$?
+  {
+    cat "$work/transcript"
+    echo "exit $status"
+    if [[ -n $after ]]; then
+      # The registry is in its files then.
+      end_server
+      (cd "$WINEPREFIX" && timeout 240 bash -eu "$after") 2>&1 || echo "after: failed"
+    fi
+  } > "$work/said"
+  plain < "$work/said" | known_differences > "$work/printed"
+  if [[ -n $after ]]; then cat "$script.expected"; else sed '/^exit [0-9]*$/q' "$script.expected"; fi |
+    plain | known_differences > "$work/expected"
+  rm -rf "$work/built"
+  mkdir "$work/built"
+  (cd "$WINEPREFIX/drive_c" && find . -path ./Out/\* -name '*.msi' -exec cp --parents -t "$work/built" {} +)
+  diff -au --label "$name embedded" --label "$name windows" "$work/expected" "$work/printed"
+)
+
+# judge_built NAME FOLDER: lets Windows Installer judge each package that the run has built.
+judge_built() (
+  local package
+  [[ -z $(not_run "$1:packages") ]] || exit 0
+  find "$2/built" -name '*.msi' | while read -r package; do
+    put_back "$wine_home/kept-bare"
+    "$here/judge-package.sh" "$package" "$2/judge" || exit 1
+  done
+)
+
+# play NAME FOLDER: plays a script of tests/screen on the real windows. Prints the difference.
+play() (
+  local script=$root/tests/screen/$1.kw work=$2 line number=0
+  source "$root/tests/screen/comparison.sh"
+  put_back "$wine_home/kept-710"
+  cp "$script" "$work/script.kw"
+  SAMPLE_TOOL_ANSWER=cancel run_wine 240 'C:\Kitwright\kitwright-drive.exe' < "$script" | tr -d '\r' > "$work/driver"
+  put_back "$wine_home/kept-710"
+  run_wine 600 'C:\Kitwright\play-on-windows.exe' 'C:\Kitwright\Kitwright.exe' "Z:${work//\//\\}\\script.kw" \
+    "Z:${work//\//\\}\\driver" 2>&1 | while IFS= read -r line; do
+    line=${line%$'\r'}
+    printf '%s\n' "$line"
+    [[ -n ${KITWRIGHT_PICTURES:-} && $line =~ ^(page|modal|message|question) ]] || continue
+    number=$((number + 1))
+    sleep 0.7
+    LD_PRELOAD= import -window root "$KITWRIGHT_PICTURES/$(printf '%s-%02d-%s' "$1" "$number" "$(tr -cs '[:alnum:]\n' - <<< "${line:0:40}")").png"
+  done > "$work/seen"
+  # Grids and trees draw themselves, and menus of another program cannot be read.
+  plain_driver "$work/driver" | grep -v '^menu ' | awk '!/^  \| / { grid = /\.(Grid|TreeView1|treFeatures)/ } !(grid && /^  \| /)' | bare > "$work/expected"
+  bare < "$work/seen" > "$work/printed"
+  diff -au --label "$1 driver" --label "$1 on the screen" "$work/expected" "$work/printed"
+)
+
+# worker NUMBER: runs what no other worker has begun.
+worker() {
+  local work=$wine_home/work-$1 name
+  mkdir -p "$work"
+  if (($1 > 1)); then export WINEPREFIX=$wine_home/prefix-$1; fi
+  for name in "${names[@]}"; do
+    mkdir "$wine_home/begun/$name" 2> /dev/null || continue
+    if run_one "$name" "$work" > "$wine_home/said/$name" 2>&1 && judge_built "$name" "$work" > "$wine_home/judged/$name" 2>&1; then
+      touch "$wine_home/passed/$name"
+    else
+      tail -qn 100 "$wine_home/said/$name" "$wine_home/judged/$name" 2> /dev/null || true
+      touch "$wine_home/failed/$name"
+    fi
+  done
+  end_server
+}
+
+end_server
+keep "$wine_home/kept-bare"
+for level in "${levels[@]}"; do
+  put_back "$wine_home/kept-bare"
+  set_up "$level"
+done
+for ((number = 2; number <= workers; ++number)); do cp -a "$WINEPREFIX" "$wine_home/prefix-$number"; done
+
+mkdir "$wine_home"/{begun,said,judged,passed,failed}
+names=() skipped=() plays=()
+asked=("$@")
+if [[ ${#asked[@]} -eq 0 ]]; then
+  for script in tests/scripts/*.kw; do asked+=("$(basename "$script" .kw)"); done
+  for script in tests/screen/*.kw; do asked+=("screen:$(basename "$script" .kw)"); done
+  asked+=(settings_run@32-bit settings_whole@32-bit package_run_710@rewritten everything_700@rewritten)
+fi
+for name in "${asked[@]}"; do
+  reason=$(not_run "$name")
+  if [[ $name == screen:* ]]; then
+    plays+=("${name#screen:}")
+  elif [[ -n $reason ]]; then skipped+=("script.$name: $reason"); else names+=("$name"); fi
+done
+started=()
+for ((number = 1; number <= workers; ++number)); do
+  worker "$number" &
+  started+=($!)
+done
+wait "${started[@]}"
+mkdir -p "$wine_home/work-1"
+# One at a time: they share the display.
+for name in "${plays[@]}"; do
+  if play "$name" "$wine_home/work-1"; then touch "$wine_home/passed/screen:$name"; else touch "$wine_home/failed/screen:$name"; fi
 done
 
-echo "[  PASSED  ] $passed tests."
+mapfile -t failed < <(ls "$wine_home/failed" | sed 's/^/script./')
+cat "$wine_home/judged/"* 2> /dev/null | grep '^judged' || true
+echo "[  PASSED  ] $(ls "$wine_home/passed" | wc -l) tests."
+grep -v '^#' "$here/scripts-not-run.txt" | grep ':' | sed 's/^/Not judged: /' || true
 if [[ ${#skipped[@]} -gt 0 ]]; then
   echo "[  SKIPPED ] ${#skipped[@]} tests, listed below:"
   printf '[  SKIPPED ] %s\n' "${skipped[@]}"

@@ -2,15 +2,15 @@
 #
 #   start_wine       makes a fresh prefix and a virtual display, and keeps one server for all programs
 #   run_wine SECONDS PROGRAM [ARGUMENT...]
+#   end_server       ends the server of the prefix, and with it all its programs; what it knew is then in files
 #   stop_wine        ends all of them; called at the script's end in any case
 #
-# The prefix and everything else of a run lies in $wine_home.
+# The prefix and everything else of a run lies in $wine_home; WINEPREFIX may be set to others below it.
 
 # Root is above folder protection and the read-only attribute, so nothing would be judged for them: run as root, all of
 # this runs as another user, for whom what is tested must be readable.
 
 wine_home=$(mktemp -d "${TMPDIR:-/tmp}/kitwright-wine.XXXXXX")
-wine_display=
 export WINEPREFIX=$wine_home/prefix WINEDEBUG=-all WINEARCH=win64
 # No browser engine and no menu entries are wanted.
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
@@ -21,17 +21,27 @@ if [[ $(id -u) -eq 0 ]]; then
   chmod 755 "$wine_home"
 fi
 
+end_server() {
+  "${as_user[@]}" wineserver -k 2> /dev/null || true
+  "${as_user[@]}" wineserver -w
+}
+
 stop_wine() {
-  "${as_user[@]}" wineserver -k 2>/dev/null || true
-  if [[ -n $wine_display ]]; then kill "$wine_display" 2>/dev/null || true; fi
+  local prefix job
+  # What runs beside this script, the display among it.
+  for job in $(jobs -p); do kill "$job" 2> /dev/null || true; done
+  for prefix in "$wine_home"/prefix*; do
+    WINEPREFIX=$prefix "${as_user[@]}" wineserver -k 2>/dev/null || true
+  done
   chmod -R u+w "$wine_home" 2>/dev/null || true
   rm -rf "$wine_home"
 }
 trap stop_wine EXIT
+trap "exit 143" TERM
 
 # Makes files and folders belong to the user that programs run as.
 give_to_user() {
-  if [[ ${#as_user[@]} -gt 0 ]]; then chown -R "$nobody:$nobody" "$@"; fi
+  if [[ ${#as_user[@]} -gt 0 ]]; then chown -hR "$nobody:$nobody" "$@"; fi
 }
 
 start_wine() {
@@ -40,7 +50,6 @@ start_wine() {
   give_to_user "$WINEPREFIX" "$wine_home/home"
   mkfifo "$wine_home/display"
   Xvfb -displayfd 3 -ac -screen 0 1280x1024x24 -nolisten tcp 3> "$wine_home/display" > "$wine_home/xvfb.txt" 2>&1 &
-  wine_display=$!
   DISPLAY=:$(head -n 1 "$wine_home/display")
   export DISPLAY
   "${as_user[@]}" wineserver -p
