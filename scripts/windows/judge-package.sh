@@ -31,7 +31,7 @@ rows_by_installer() { installer "$1" --all | iconv -f WINDOWS-1252 -t UTF-8 | se
 streams() {
   local stream
   mkdir -p "$2"
-  msiinfo streams "$1" | grep -v '^.\?SummaryInformation' | while read -r stream; do
+  msiinfo streams "$1" | { grep -v '^.\?SummaryInformation' || true; } | while read -r stream; do
     msiinfo extract "$1" "$stream" > "$2/$stream"
   done
 }
