@@ -222,7 +222,7 @@ play() (
   SAMPLE_TOOL_ANSWER=cancel run_wine 240 'C:\Kitwright\kitwright-drive.exe' < "$script" | tr -d '\r' > "$work/driver"
   put_back "$wine_home/kept-710"
   run_wine 600 'C:\Kitwright\play-on-windows.exe' 'C:\Kitwright\Kitwright.exe' "Z:${work//\//\\}\\script.kw" \
-    "Z:${work//\//\\}\\driver" 2>&1 | while IFS= read -r line; do
+    "Z:${work//\//\\}\\driver" 2> "$work/errors" | while IFS= read -r line; do
     line=${line%$'\r'}
     printf '%s\n' "$line"
     [[ -n ${KITWRIGHT_PICTURES:-} && $line =~ ^(page|modal|message|question) ]] || continue
