@@ -27,7 +27,7 @@ if [[ -z ${KITWRIGHT_NATIVE_BUILD:-} ]]; then
 fi
 cmake --preset windows > /dev/null
 cmake --build "$native" --target sample-content sample_windows sample_settings_tool TxMailScan TxPanelLib TxHelpLib \
-  SampleDialogs settings-cipher msisql sample_templates > "$cross/native-build.txt" || {
+  SampleDialogs settings-cipher peak-memory msisql sample_templates > "$cross/native-build.txt" || {
   tail -n 50 "$cross/native-build.txt"
   exit 1
 }
@@ -43,7 +43,7 @@ stand_in=$wine_home/build
 mkdir -p "$stand_in/bin" "$stand_in/tests/machines"
 ln -s "$here/machine/"* "$stand_in/bin/"
 for part in BCN BWK KTE ZED local; do ln -s "$cross/bin/$part" "$stand_in/bin/$part"; done
-ln -s "$native/tests/settings-cipher" "$stand_in/tests/settings-cipher"
+ln -s "$native/tests/"{settings-cipher,peak-memory} "$stand_in/tests/"
 x86_64-w64-mingw32-gcc-posix -O1 -municode -o "$wine_home/plain_user.exe" "$here/plain_user.c"
 x86_64-w64-mingw32-gcc-posix -O1 -o "$wine_home/wine_dump.exe" tests/peers/wine_dump.c -lmsi
 gcc -O1 -shared -fPIC -o "$wine_home/machine_memory.so" "$here/machine_memory.c"
@@ -164,10 +164,11 @@ not_run() { sed -n "s/^$1   *//p" "$here/scripts-not-run.txt"; }
 
 # run_one NAME[@VARIANT] FOLDER: runs a script on the worker's machine; the folder is for its files. Prints the difference.
 run_one() (
-  local name=$1 work=$2 script=$root/tests/scripts/${1%@*} status=0 after= level seconds start
+  local name=$1 work=$2 script=$root/tests/scripts/${1%@*} status=0 after= level seconds megabytes start
   if [[ -f $script.after && -z $(not_run "$name:after") ]]; then after=$script.after; fi
   level=$(sed -n 's/^# level: *//p' "$script.kw" | head -n 1)
   seconds=$(sed -n 's/^# seconds: *//p' "$script.kw" | head -n 1)
+  megabytes=$(sed -n 's/^# megabytes: *//p' "$script.kw" | head -n 1)
   put_back "$wine_home/kept-${level:-710}"
   export KITWRIGHT_ROOT=$WINEPREFIX KITWRIGHT_TESTS=$root/tests KITWRIGHT_BUILD_DIR=$stand_in
   export KITWRIGHT_TRANSCRIPT=$work/transcript
@@ -183,8 +184,12 @@ run_one() (
   give_to_user "$WINEPREFIX/drive_c"
   start=(kitwright-drive.exe)
   if [[ -f $WINEPREFIX/drive_c/Kitwright/plain-user ]]; then start=("Z:${wine_home//\//\\}\\plain_user.exe" "${start[@]}"); fi
-  (cd "$WINEPREFIX/drive_c/Kitwright" && run_wine "$((2 * ${seconds:-60}))" "${start[@]}" < "$script.kw") \
-    > "$work/transcript" 2>&1 || status=$?
+  (
+    cd "$WINEPREFIX/drive_c/Kitwright" || exit 1
+    # What the wizard itself holds: the programs that it starts are no children of it on this system's side.
+    as_user=(${megabytes:+"$native/tests/peak-memory" "$megabytes"} "${as_user[@]}")
+    run_wine "$((2 * ${seconds:-60}))" "${start[@]}" < "$script.kw"
+  ) > "$work/transcript" 2>&1 || status=$?
   {
     cat "$work/transcript"
     echo "exit $status"
