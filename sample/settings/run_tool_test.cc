@@ -60,6 +60,17 @@ TEST_F(RunToolTest, ASecondChangeStartsFromTheStagedSettings) {
   EXPECT_EQ(registry_.Get(Hive::kCurrentUser, kStagedGuard, "bScan").Dword(0), 3u);
 }
 
+TEST_F(RunToolTest, TheFirstNumberByNameIsChangedInWhateverOrderTheRegistryListsThem) {
+  registry_.SetDword(Hive::kLocalMachine, kLiveGuard, "BackUp", 7);
+  registry_.SetDword(Hive::kLocalMachine, std::string(kLiveGuard) + "\\Configuration", "aFirst", 4);
+  Run("OasCfg32", {"/ZEDW"}, Answer::kChange);
+  EXPECT_EQ(registry_.Get(Hive::kCurrentUser, kStagedGuard, "BackUp").Dword(0), 8u);
+  EXPECT_EQ(registry_.Get(Hive::kCurrentUser, kStagedGuard, "bScan").Dword(0), 1u);
+  EXPECT_EQ(
+      registry_.Get(Hive::kCurrentUser, std::string(kStagedGuard) + "\\Configuration", "aFirst").Dword(0),
+      4u);
+}
+
 TEST_F(RunToolTest, CancelLeavesEmptyKeysAndNoFlag) {
   const ToolOutcome outcome = Run("OasCfg32", {"/ZEDW"}, Answer::kCancel);
   EXPECT_FALSE(outcome.changed);

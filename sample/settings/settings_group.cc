@@ -207,8 +207,14 @@ Status SettingsStore::SaveChanged(const SettingsGroup& group, bool from_live) {
     return setting.type == platform::kRegDword && setting.name != "wTaskType" &&
            setting.name != "bMirrorTask";
   };
-  const auto found = std::find_if(settings.begin(), settings.end(), changeable);
-  if (found != settings.end()) {
+  // The first by name: registries list their values in orders of their own.
+  const auto before = [&](const Setting& left, const Setting& right) {
+    if (changeable(left) != changeable(right)) return changeable(left);
+    const int subkeys = CompareNoCase(left.subkey, right.subkey);
+    return subkeys != 0 ? subkeys < 0 : CompareNoCase(left.name, right.name) < 0;
+  };
+  const auto found = std::min_element(settings.begin(), settings.end(), before);
+  if (found != settings.end() && changeable(*found)) {
     // Counting up never comes back to the value that another branch holds, as switching over would.
     found->text = std::to_string(LeadingInteger(found->text) + 1);
   } else if (std::all_of(settings.begin(), settings.end(),

@@ -60,7 +60,8 @@ class SettingsStore {
   Result<std::vector<Setting>> Load(const SettingsGroup& group, bool from_live);
   /// Saves into the staging branch, over what was loaded, the settings as they are now, and leaves the flag.
   Status Save(const SettingsGroup& group, bool from_live, const std::vector<Setting>& settings);
-  /// Saves as a person would who changed one number. Values are changed, never added, where there are any.
+  /// Saves as a person would who changed one number: the first by name, of the group's key before those
+  /// below. Values are changed, never added, where there are any.
   Status SaveChanged(const SettingsGroup& group, bool from_live);
 
  private:
