@@ -41,6 +41,7 @@ packages=(
   gcc-mingw-w64-x86-64-posix
   libsodium-dev
   libzip-dev
+  wixl
   zip
   zlib1g-dev
   # Judges of what the wizard wrote
