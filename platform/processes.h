@@ -33,6 +33,12 @@ class Processes {
   /// looked for in the program's folder, the current folder, the system's and the search path. The child gets
   /// the command line letter for letter, the current drive and folder, and the environment.
   virtual Result<std::unique_ptr<Process>> Start(const std::string& command_line, WindowStyle style) = 0;
+  /// What Start would fail with now, as far as that shows without starting anything; success where only the
+  /// start itself can tell.
+  virtual Status CanStart(const std::string& command_line) {
+    static_cast<void>(command_line);
+    return Status();
+  }
   /// Sets an environment variable for this process and for children started from now on.
   virtual void SetEnvironment(const std::string& name, const std::string& value) = 0;
   /// Brings the window with this title to the foreground, if there is one.

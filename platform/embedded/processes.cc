@@ -144,6 +144,10 @@ Result<std::unique_ptr<Process>> EmbeddedProcesses::Start(const std::string& com
       child, desktop_, [abandoned = abandoned_](pid_t left) { abandoned->children.push_back(left); }));
 }
 
+Status EmbeddedProcesses::CanStart(const std::string& command_line) {
+  return finder_.Find(command_line).status();
+}
+
 void EmbeddedProcesses::SetEnvironment(const std::string& name, const std::string& value) {
   ::setenv(EqualsNoCase(name, "PATH") ? "KITWRIGHT_PATH" : name.c_str(), value.c_str(), 1);
 }

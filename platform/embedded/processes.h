@@ -21,6 +21,7 @@ class EmbeddedProcesses : public Processes {
   ~EmbeddedProcesses() override;
 
   Result<std::unique_ptr<Process>> Start(const std::string& command_line, WindowStyle style) override;
+  Status CanStart(const std::string& command_line) override;
   /// The variable `PATH` means the machine's search path, KITWRIGHT_PATH.
   void SetEnvironment(const std::string& name, const std::string& value) override;
   void BringWindowToFront(const std::string& title) override;

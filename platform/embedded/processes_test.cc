@@ -72,6 +72,15 @@ class EmbeddedProcessesTest : public ::testing::Test, protected ProcessesMachine
   std::string Out() { return files.ReadFile("C:\\Work\\out").value_or(""); }
 };
 
+TEST_F(EmbeddedProcessesTest, WhatCannotStartIsKnownWithoutStartingIt) {
+  PutScript("Program/tool", "native");
+  EXPECT_TRUE(processes.CanStart("tool /s").ok());
+  EXPECT_EQ(Out(), "");
+  EXPECT_EQ(processes.CanStart("nothing /s").error().number, kErrorFileNotFound);
+  machine.Put("drive_c/Program/text.exe", "no program");
+  EXPECT_EQ(processes.CanStart("text").error().number, kErrorBadExeFormat);
+}
+
 TEST_F(EmbeddedProcessesTest, ANativeProgramMayGoWithoutItsExtension) {
   PutScript("Program/regedit", "native");
   EXPECT_EQ(Run("regedit.exe /s"), 0);

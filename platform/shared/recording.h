@@ -16,6 +16,7 @@ class RecordingProcesses : public Processes {
  public:
   RecordingProcesses(Processes& inner, Transcript& transcript) : inner_(inner), transcript_(transcript) {}
   Result<std::unique_ptr<Process>> Start(const std::string& command_line, WindowStyle style) override;
+  Status CanStart(const std::string& command_line) override { return inner_.CanStart(command_line); }
   void SetEnvironment(const std::string& name, const std::string& value) override;
   void BringWindowToFront(const std::string& title) override;
 

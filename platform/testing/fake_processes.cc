@@ -37,9 +37,7 @@ std::vector<std::string> FakeProcesses::CommandLines() const {
   return lines;
 }
 
-Result<std::unique_ptr<Process>> FakeProcesses::Start(const std::string& command_line, WindowStyle style) {
-  FakeCommand command{command_line, style, files_.CurrentFolder()};
-  commands.push_back(command);
+FakeProcesses::Script FakeProcesses::ScriptFor(const std::string& command_line) const {
   const Script* best = nullptr;
   size_t best_length = 0;
   for (const auto& [prefix, script] : scripts_) {
@@ -48,10 +46,20 @@ Result<std::unique_ptr<Process>> FakeProcesses::Start(const std::string& command
     best = &script;
     best_length = prefix.size();
   }
-  Script script = best == nullptr ? Script() : *best;
-  if (script.start_error != 0) {
-    return Error{script.start_error, "Could not start " + command_line + "."};
-  }
+  return best == nullptr ? Script() : *best;
+}
+
+Status FakeProcesses::CanStart(const std::string& command_line) {
+  const int error = ScriptFor(command_line).start_error;
+  if (error != 0) return Error{error, "Could not start " + command_line + "."};
+  return Status();
+}
+
+Result<std::unique_ptr<Process>> FakeProcesses::Start(const std::string& command_line, WindowStyle style) {
+  FakeCommand command{command_line, style, files_.CurrentFolder()};
+  commands.push_back(command);
+  KW_RETURN_IF_ERROR(CanStart(command_line));
+  Script script = ScriptFor(command_line);
   return std::unique_ptr<Process>(std::make_unique<FakeProcess>(std::move(script), std::move(command)));
 }
 

@@ -50,10 +50,13 @@ class FakeProcesses : public Processes {
   std::vector<std::string> CommandLines() const;
 
   Result<std::unique_ptr<Process>> Start(const std::string& command_line, WindowStyle style) override;
+  Status CanStart(const std::string& command_line) override;
   void SetEnvironment(const std::string& name, const std::string& value) override;
   void BringWindowToFront(const std::string& title) override;
 
  private:
+  Script ScriptFor(const std::string& command_line) const;
+
   FileSystem& files_;
   std::map<std::string, Script> scripts_;
 };

@@ -32,7 +32,7 @@ class ScriptProcesses::Child : public platform::Process {
   std::string ForegroundWindowTitle() override { return inner_ ? inner_->ForegroundWindowTitle() : ""; }
 
  private:
-  /// What a wait gives for a program that does not start.
+  /// What a wait gives for a program that no longer starts when "meanwhile" is over.
   static constexpr int kNotStarted = -1;
 
   /// Starts it from where it was to start, wherever "meanwhile" has gone.
@@ -66,7 +66,8 @@ void ScriptProcesses::EventTurn() {
 
 Result<std::unique_ptr<platform::Process>> ScriptProcesses::Start(const std::string& command_line,
                                                                   platform::WindowStyle style) {
-  if (!meanwhile_.empty()) {
+  // What cannot start is refused at once: nobody waits for it, so that "meanwhile" stays for the next child.
+  if (!meanwhile_.empty() && inner_.CanStart(command_line).ok()) {
     return std::unique_ptr<platform::Process>(std::make_unique<Child>(command_line, style, *this));
   }
   KW_ASSIGN_OR_RETURN(std::unique_ptr<platform::Process> inner, inner_.Start(command_line, style));

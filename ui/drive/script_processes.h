@@ -26,6 +26,7 @@ class ScriptProcesses : public platform::Processes {
 
   Result<std::unique_ptr<platform::Process>> Start(const std::string& command_line,
                                                    platform::WindowStyle style) override;
+  Status CanStart(const std::string& command_line) override { return inner_.CanStart(command_line); }
   void SetEnvironment(const std::string& name, const std::string& value) override;
   void BringWindowToFront(const std::string& title) override;
 
