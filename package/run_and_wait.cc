@@ -13,6 +13,15 @@ void RemoveLateRemains(platform::Services& services, RunState& run, const std::s
   }
 }
 
+class Waiting {
+ public:
+  explicit Waiting(RunState& run) : run_(run) { ++run_.WaitsForTools; }
+  ~Waiting() { --run_.WaitsForTools; }
+
+ private:
+  RunState& run_;
+};
+
 }  // namespace
 
 int RunAndWait(platform::Services& services, RunState& run, ui::FormHost& host,
@@ -21,6 +30,7 @@ int RunAndWait(platform::Services& services, RunState& run, ui::FormHost& host,
   const std::string temp_folder = run.TempFolder;
   const auto process = services.processes->Start(command_line, style);
   if (!process.ok()) return -1;
+  const Waiting waiting(run);
   for (;;) {
     const int code = (*process)->ExitCode();
     host.PumpEvents();

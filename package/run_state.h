@@ -100,6 +100,8 @@ struct RunState {
   bool Succeeded = false;
   /// Title of a started tool's window, kept while it runs.
   std::string ToolWindowTitle;
+  /// Calls of RunAndWait that have not returned: handlers whose page may be left and unloaded meanwhile.
+  int WaitsForTools = 0;
   /// Calls of MakeUniqueId so far; wraps at 16 bits, never restarts.
   unsigned short UniqueIdCounter = 0;
 };

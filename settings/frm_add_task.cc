@@ -118,8 +118,8 @@ void frmAddTask::Configure() {
   const std::string identifier = identifier_;
   abandoned_.clear();
   const bool is_new = IsNewTask;
-  const int result = RunProductTool(context_, *this, &Parent().TreeView1,
-                                    ToolCommand(kind_, identifier_, name), already_configured);
+  const int result =
+      RunProductTool(context_, *this, ToolCommand(kind_, identifier_, name), already_configured);
   const bool changed = TakeChangeFlag(services, FactsOf(kind_).flag);
   if (result != 0) {
     services.dialogs->Message(std::string("Configuring ") + FactsOf(kind_).word + " task '" + name +

@@ -64,8 +64,8 @@ void frmAutoUpdate::TransferSettings() {
     const std::string key = StagingKeyOf(identifier);
     if (identifier.empty() || !DeleteEmptyKey(services_, key)) continue;
     // The name stands without quotes here, unlike in the dialog's command.
-    RunProductTool(context_, *this, &TreeView1,
-                   "TxFetch /FLUSHSETTINGS /TASK " + identifier + " /TASKNAME " + name, false);
+    RunProductTool(context_, *this, "TxFetch /FLUSHSETTINGS /TASK " + identifier + " /TASKNAME " + name,
+                   false);
     // A tool that left no key leaves no name to write; its failure is not reported.
     auto opened = services_.registry->OpenKey(platform::Hive::kCurrentUser, key, platform::kKeySet);
     if (opened.ok()) (*opened)->SetValue("szTaskName", platform::RegistryValue::OfText(name)).IgnoreError();

@@ -85,7 +85,7 @@ void frmScheduledScan::TransferSettings() {
     if (identifier.empty() || !DeleteEmptyKey(services_, StagingKeyOf(identifier))) continue;
     std::string command = "OdsCfg32 /FLUSHSETTINGS";
     if (identifier != kDefaultTask) command += " /TASK " + identifier;
-    RunProductTool(context_, *this, &TreeView1, command, false);
+    RunProductTool(context_, *this, command, false);
   }
 }
 

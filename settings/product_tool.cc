@@ -5,14 +5,16 @@
 
 namespace kw {
 
-int RunProductTool(PageContext& context, ui::Form& page, ui::Tree* tree, const std::string& command,
+int RunProductTool(PageContext& context, ui::Form& asking, const std::string& command,
                    bool already_configured) {
   platform::Services& services = context.services;
   RunState& run = context.run;
   int result = kToolNotStarted;
-  if (tree != nullptr) tree->SetEnabled(false);
+  WizardPage* page = context.navigator.ShownPage();
+  ui::Form& window = page && !asking.Visible() ? *page : asking;
+  if (page) page->TreeView1.SetEnabled(false);
   run.ToolWindowTitle.clear();
-  context.host.RedirectActivation(page, [&services, &run] {
+  context.host.RedirectActivation(window, [&services, &run] {
     if (!run.ToolWindowTitle.empty()) services.processes->BringWindowToFront(run.ToolWindowTitle);
   });
   if (!run.ProductInstallDir.empty()) {
@@ -23,8 +25,8 @@ int RunProductTool(PageContext& context, ui::Form& page, ui::Tree* tree, const s
                         platform::WindowStyle::kNormal);
     EnterProgramFolder(services);
   }
-  context.host.RedirectActivation(page, {});
-  if (tree != nullptr) tree->SetEnabled(true);
+  context.host.RedirectActivation(window, {});
+  if (page) page->TreeView1.SetEnabled(true);
   return result;
 }
 

@@ -44,7 +44,7 @@ void ScannerPage::AddChoices(ui::ListBox& list) {
 }
 
 int ScannerPage::RunTool(const std::string& command, bool already_configured) {
-  return RunProductTool(context_, *this, &TreeView1, command, already_configured);
+  return RunProductTool(context_, *this, command, already_configured);
 }
 
 frmOnAccessMonitor::frmOnAccessMonitor(PageContext& context)

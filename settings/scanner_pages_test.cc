@@ -59,6 +59,22 @@ TEST_F(ScannerPagesTest, AClickOnThePageDuringAToolRunBringsTheToolForward) {
   EXPECT_FALSE(host.bring_forward);
 }
 
+TEST_F(ScannerPagesTest, AFlushDisablesTheTreeOnScreenAndNotThatOfTheHiddenPage) {
+  WizardPage& review = table.Page("frmReviewConfiguration");
+  review.Show();
+  auto& hidden = table.Get<frmOnAccessMonitor>();
+  machine.processes.On("OasCfg32", platform::testing::FakeProcesses::Script{0, 2, 0, {}, {}});
+  bool pumped = false;
+  host.meanwhile.push_back([&] {
+    pumped = true;
+    EXPECT_FALSE(review.TreeView1.Enabled());
+    EXPECT_TRUE(hidden.TreeView1.Enabled());
+  });
+  hidden.TransferSettings();
+  EXPECT_TRUE(pumped);
+  EXPECT_TRUE(review.TreeView1.Enabled());
+}
+
 TEST_F(ScannerPagesTest, WithoutAnInstallFolderTheMessageComesAndNoProcessStarts) {
   run.ProductInstallDir.clear();
   Show<frmOnAccessMonitor>().ConfigureSettings.UserClick();

@@ -42,6 +42,8 @@ class Navigator {
   virtual void GoToPage(std::string_view caption) = 0;
   virtual void FillPageTree(ui::Tree& tree) = 0;
   virtual void ActivateCurrentPage() = 0;
+  /// The page on screen, below its dialogs; null while there is none.
+  virtual WizardPage* ShownPage() = 0;
   virtual void LoadPageChoices(ui::ListBox& list) = 0;
   /// Unloads every page on a return to the welcome page.
   virtual void ResetPages() = 0;

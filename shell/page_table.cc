@@ -197,6 +197,14 @@ void PageTable::ActivateCurrentPage() {
   if (form.Visible()) context_.host.FocusForm(form);
 }
 
+WizardPage* PageTable::ShownPage() {
+  for (const auto& [name, form] : forms_) {
+    auto* page = form->Visible() ? dynamic_cast<WizardPage*>(form.get()) : nullptr;
+    if (page) return page;
+  }
+  return nullptr;
+}
+
 void PageTable::LoadPageChoices(ui::ListBox& list) {
   list.Clear();
   for (const PageRecord& record : records_) {
@@ -241,8 +249,9 @@ void PageTable::ReloadPages() {
 ui::Form& PageTable::FormByName(std::string_view name) {
   const auto place = forms_.find(name);
   if (place != forms_.end()) return *place->second;
-  // No handler of an unloaded page can be running any more: leaving a page makes no form.
-  unloaded_.clear();
+  // Leaving a page makes no form, so that the handler that unloaded it is done; only one that waits for a
+  // tool may still be running.
+  if (context_.run.WaitsForTools == 0) unloaded_.clear();
   const auto factory = factories_.find(name);
   if (factory == factories_.end()) std::abort();  // a form that the program does not have
   return *forms_.emplace(std::string(name), factory->second(context_)).first->second;

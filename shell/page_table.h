@@ -61,6 +61,7 @@ class PageTable : public Navigator {
   void GoToPage(std::string_view caption) override;
   void FillPageTree(ui::Tree& tree) override;
   void ActivateCurrentPage() override;
+  WizardPage* ShownPage() override;
   void LoadPageChoices(ui::ListBox& list) override;
   void ResetPages() override;
   bool UnloadingPages() const override { return unloading_pages_; }
@@ -80,7 +81,7 @@ class PageTable : public Navigator {
   FormFactories factories_;
   std::vector<PageRecord> records_;
   std::map<std::string, std::unique_ptr<ui::Form>, std::less<>> forms_;
-  /// Unloaded forms whose handlers may still be running; they go when the next form is made.
+  /// Unloaded forms whose handlers may still be running; they go when a form is made while no tool runs.
   std::vector<std::unique_ptr<ui::Form>> unloaded_;
   bool unloading_pages_ = false;
 };

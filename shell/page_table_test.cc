@@ -288,6 +288,18 @@ TEST_F(PageTableTest, ResetUnloadsThePagesWithoutAQuestion) {
   EXPECT_THAT(table.Records(), SizeIs(22));
 }
 
+TEST_F(PageTableTest, AnUnloadedPageStaysInMemoryWhileAHandlerOfItMayWaitForATool) {
+  StartPackageMode();
+  Page("frmFeatures").TreeView1.Add({});
+  ui::Form& features = table.FormByName("frmFeatures");
+  run.WaitsForTools = 1;
+  table.ResetPages();
+  ui::Form& anew = table.FormByName("frmFeatures");
+  EXPECT_NE(&anew, &features);
+  EXPECT_EQ(dynamic_cast<WizardPage&>(features).TreeView1.Count(), 1);
+  run.WaitsForTools = 0;
+}
+
 TEST_F(PageTableTest, ReloadBringsBackEveryPageButTheCurrentOneAndClearsFeatureOff) {
   StartPackageMode();
   ui::Form* const current = &table.FormByName("frmSourceAndDestination");
