@@ -35,8 +35,8 @@ class TextBoxView : public ControlView {
   void ApplyOwn(Changes) override {
     const wxString text = ToWx(box_.Text());
     if (field_->GetValue() != text) field_->ChangeValue(text);
-    // A disabled box has the face colour by itself; only an enabled one with that colour needs to be told.
-    const bool face = box_.Back() == BackColor::kFace && box_.Enabled();
+    // Not every theme gives a disabled box this colour by itself: some keep it as good as white.
+    const bool face = box_.Back() == BackColor::kFace;
     if (face == face_) return;
     face_ = face;
     field_->SetBackgroundColour(face ? wxSystemSettings::GetColour(wxSYS_COLOUR_BTNFACE) : wxNullColour);

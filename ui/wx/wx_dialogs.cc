@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "ui/wx/file_chooser.h"
+#include "ui/wx/help_colors.h"
 #include "ui/wx/label_text.h"
 #include "ui/wx/system_help.h"
 #include "ui/wx/wx_host.h"
@@ -126,11 +127,12 @@ Status WxDialogs::ShowHelp(const std::string& help_file, int context_id) {
   const std::string path = FromWx(book.GetFullPath());
   if (!help_ || help_book_ != path) {
     if (!wxFileSystem::HasHandlerForPath("a#zip:b")) wxFileSystem::AddHandler(new wxZipFSHandler);
+    ShowHelpInThemeColors();
     help_ = std::make_unique<wxHtmlHelpController>(wxHF_DEFAULT_STYLE, host_.BoxParent());
     help_->SetTitleFormat("%s");
     if (!help_->AddBook(book)) {
       help_.reset();
-      return {kErrorInvalidData, "The help book " + path + " cannot be read."};
+      return {kErrorInvalidData, "The help book " + FromWx(book.GetFullName()) + " cannot be read."};
     }
     help_book_ = path;
   }

@@ -5,6 +5,7 @@
 #include <wx/app.h>
 #include <wx/dataview.h>
 #include <wx/evtloop.h>
+#include <wx/settings.h>
 #include <wx/stopwatch.h>
 #include <wx/timer.h>
 #include <wx/uiaction.h>
@@ -209,6 +210,20 @@ TEST_F(WxHostTest, ADisabledControlAndABusyPageIgnoreThePerson) {
   Serve();
   ClickAt(Middle(page.browse));
   EXPECT_THAT(page.events, ElementsAre("browse"));
+}
+
+TEST_F(WxHostTest, ADisabledTextBoxHasTheColorOfThePageThatItStandsOn) {
+  SamplePage page(*host_, "frmSample", "Sample Page");
+  Show(page);
+  const wxWindow* field = host_->ViewOf(page)->ViewOf(page.folder)->Window();
+  const wxColour face = wxSystemSettings::GetColour(wxSYS_COLOUR_BTNFACE);
+  EXPECT_NE(field->GetBackgroundColour(), face);
+  page.folder.EnableWithColor(false);
+  Serve();
+  EXPECT_EQ(field->GetBackgroundColour(), face);
+  page.folder.EnableWithColor(true);
+  Serve();
+  EXPECT_NE(field->GetBackgroundColour(), face);
 }
 
 TEST_F(WxHostTest, ALeftClickOnAPageNodePressesAndClicks) {
