@@ -36,6 +36,11 @@ struct PathPair {
     if (status.ok()) return status;
     return Status(status.number(), ReplaceAll(status.message(), host, shown));
   }
+  template <typename T>
+  Result<T> Tell(Result<T> result) const {
+    if (result.ok()) return result;
+    return Tell(result.status()).error();
+  }
 
   std::string shown;
   std::string host;
@@ -43,9 +48,16 @@ struct PathPair {
 
 class MsiRecord : public Record {
  public:
-  MsiRecord(Ground ground, msi::Record inner) : ground_(std::move(ground)), inner_(std::move(inner)) {}
+  /// `files` are those that the record's streams are read from.
+  MsiRecord(Ground ground, msi::Record inner, std::vector<PathPair> files)
+      : ground_(std::move(ground)), inner_(std::move(inner)), files_(std::move(files)) {}
   const msi::Record& Inner() const { return inner_; }
   msi::Record& Inner() { return inner_; }
+  /// As PathPair::Tell, for all files of its streams.
+  Status Tell(Status status) const {
+    for (const PathPair& file : files_) status = file.Tell(status);
+    return status;
+  }
 
   int FieldCount() const override { return inner_.FieldCount(); }
   bool IsNull(int field) const override { return inner_.IsNull(field); }
@@ -54,17 +66,20 @@ class MsiRecord : public Record {
   int32_t IntegerData(int field) const override { return inner_.IntegerData(field); }
   Status SetIntegerData(int field, int32_t value) override { return inner_.SetInteger(field, value); }
   Status SetStream(int field, const std::string& path) override {
-    const PathPair file(*ground_, path);
-    return file.Tell(inner_.SetStream(field, ground_->storage, file.host));
+    files_.emplace_back(*ground_, path);
+    return Tell(inner_.SetStream(field, ground_->storage, files_.back().host));
   }
   Result<std::string> ReadStream(int field, int length) override {
-    return inner_.ReadStream(field, length > 0 ? static_cast<size_t>(length) : 0);
+    auto bytes = inner_.ReadStream(field, length > 0 ? static_cast<size_t>(length) : 0);
+    if (!bytes.ok()) return Tell(bytes.status()).error();
+    return bytes;
   }
   void ClearData() override { inner_.ClearData(); }
 
  private:
   Ground ground_;
   msi::Record inner_;
+  std::vector<PathPair> files_;
 };
 
 Error ForeignObject() {
@@ -73,39 +88,43 @@ Error ForeignObject() {
 
 class MsiView : public View {
  public:
-  MsiView(Ground ground, std::unique_ptr<msi::View> inner)
-      : ground_(std::move(ground)), inner_(std::move(inner)) {}
+  /// `file` is the database's own.
+  MsiView(Ground ground, PathPair file, std::unique_ptr<msi::View> inner)
+      : ground_(std::move(ground)), file_(std::move(file)), inner_(std::move(inner)) {}
 
   Status Execute(const Record* parameters) override {
-    if (parameters == nullptr) return inner_->Execute(nullptr);
+    if (parameters == nullptr) return file_.Tell(inner_->Execute(nullptr));
     const auto* record = dynamic_cast<const MsiRecord*>(parameters);
-    return record == nullptr ? Status(ForeignObject()) : inner_->Execute(&record->Inner());
+    if (record == nullptr) return ForeignObject();
+    return record->Tell(file_.Tell(inner_->Execute(&record->Inner())));
   }
 
   Result<std::shared_ptr<Record>> Fetch() override {
-    KW_ASSIGN_OR_RETURN(std::optional<msi::Record> row, inner_->Fetch());
+    KW_ASSIGN_OR_RETURN(std::optional<msi::Record> row, file_.Tell(inner_->Fetch()));
     std::shared_ptr<Record> record;
-    if (row) record = std::make_shared<MsiRecord>(ground_, std::move(*row));
+    if (row) record = std::make_shared<MsiRecord>(ground_, std::move(*row), std::vector{file_});
     return record;
   }
 
   Status Modify(ModifyMode mode, Record& record) override {
     auto* ours = dynamic_cast<MsiRecord*>(&record);
     if (ours == nullptr) return ForeignObject();
-    return inner_->Modify(static_cast<msi::ModifyMode>(mode), ours->Inner());
+    return ours->Tell(file_.Tell(inner_->Modify(static_cast<msi::ModifyMode>(mode), ours->Inner())));
   }
 
   void Close() override { inner_->Close(); }
 
  private:
   Ground ground_;
+  PathPair file_;
   std::unique_ptr<msi::View> inner_;
 };
 
 class MsiSummaryInfo : public SummaryInfo {
  public:
-  MsiSummaryInfo(Ground ground, std::unique_ptr<msi::SummaryInfo> inner)
-      : ground_(std::move(ground)), inner_(std::move(inner)) {}
+  /// `file` is the database's own.
+  MsiSummaryInfo(Ground ground, PathPair file, std::unique_ptr<msi::SummaryInfo> inner)
+      : ground_(std::move(ground)), file_(std::move(file)), inner_(std::move(inner)) {}
 
   int32_t IntegerProperty(int id) const override { return inner_->IntegerProperty(id); }
   std::string TextProperty(int id) const override { return inner_->TextProperty(id); }
@@ -114,10 +133,11 @@ class MsiSummaryInfo : public SummaryInfo {
   Status SetTimePropertyToNow(int id) override {
     return inner_->SetTime(id, FileTimeOf(ground_->system.Now()));
   }
-  Status Persist() override { return inner_->Persist(); }
+  Status Persist() override { return file_.Tell(inner_->Persist()); }
 
  private:
   Ground ground_;
+  PathPair file_;
   std::unique_ptr<msi::SummaryInfo> inner_;
 };
 
@@ -126,10 +146,11 @@ class MsiDatabase : public Database {
   MsiDatabase(Ground ground, PathPair file, std::shared_ptr<msi::Database> inner)
       : ground_(std::move(ground)), file_(std::move(file)), inner_(std::move(inner)) {}
   const std::shared_ptr<msi::Database>& Inner() const { return inner_; }
+  const PathPair& File() const { return file_; }
 
   Result<std::unique_ptr<View>> OpenView(std::string_view sql) override {
-    KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::View> view, inner_->OpenView(sql));
-    return std::unique_ptr<View>(std::make_unique<MsiView>(ground_, std::move(view)));
+    KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::View> view, file_.Tell(inner_->OpenView(sql)));
+    return std::unique_ptr<View>(std::make_unique<MsiView>(ground_, file_, std::move(view)));
   }
   Status Commit() override { return file_.Tell(inner_->Commit()); }
   Status Export(const std::string& table, const std::string& folder, const std::string& file) override {
@@ -141,8 +162,9 @@ class MsiDatabase : public Database {
     return source.Tell(inner_->Import(source.host, file));
   }
   Result<std::unique_ptr<SummaryInfo>> SummaryInformation(int updates) override {
-    KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::SummaryInfo> info, inner_->SummaryInformation(updates));
-    return std::unique_ptr<SummaryInfo>(std::make_unique<MsiSummaryInfo>(ground_, std::move(info)));
+    KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::SummaryInfo> info,
+                        file_.Tell(inner_->SummaryInformation(updates)));
+    return std::unique_ptr<SummaryInfo>(std::make_unique<MsiSummaryInfo>(ground_, file_, std::move(info)));
   }
 
  private:
@@ -178,13 +200,13 @@ class MsiInstaller : public Installer {
       : ground_(std::make_shared<const InstallerGround>(std::move(ground))) {}
 
   std::shared_ptr<Record> CreateRecord(int field_count) override {
-    return std::make_shared<MsiRecord>(ground_, msi::Record(field_count));
+    return std::make_shared<MsiRecord>(ground_, msi::Record(field_count), std::vector<PathPair>());
   }
 
   Result<std::shared_ptr<Database>> OpenDatabase(const std::string& path, OpenMode mode) override {
     PathPair file(*ground_, path);
     auto database = msi::Database::Open(ground_->storage, file.host, static_cast<msi::OpenMode>(mode));
-    if (!database.ok()) return file.Tell(database.error()).error();
+    if (!database.ok()) return file.Tell(database.status()).error();
     return std::shared_ptr<Database>(
         std::make_shared<MsiDatabase>(ground_, std::move(file), std::move(*database)));
   }
@@ -195,7 +217,8 @@ class MsiInstaller : public Installer {
     if (*session_present_) {
       return Error{kErrorFunctionFailed, "Another installation session is open already."};
     }
-    KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::Session> session, msi::Session::Open(ours->Inner()));
+    KW_ASSIGN_OR_RETURN(std::unique_ptr<msi::Session> session,
+                        ours->File().Tell(msi::Session::Open(ours->Inner())));
     return std::unique_ptr<Session>(std::make_unique<MsiSession>(std::move(session), session_present_));
   }
 
