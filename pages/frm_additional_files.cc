@@ -163,7 +163,8 @@ bool frmAdditionalFiles::CreateCabFile() {
 Status frmAdditionalFiles::PrepareFiles() {
   KW_RETURN_IF_ERROR(db_.RunSql("alter table `File` add `_id_path` char temporary hold"));
   KW_RETURN_IF_ERROR(FillPaths());
-  for (int row = 1; row <= Grid.Rows() - 2; ++row) KW_RETURN_IF_ERROR(PlaceFile(row));
+  std::map<std::string, int> replaced;
+  for (int row = 1; row <= Grid.Rows() - 2; ++row) KW_RETURN_IF_ERROR(PlaceFile(row, replaced));
   return {};
 }
 
@@ -183,20 +184,27 @@ Status frmAdditionalFiles::FillPaths() {
   return {};
 }
 
-Status frmAdditionalFiles::PlaceFile(int row) {
+Status frmAdditionalFiles::PlaceFile(int row, std::map<std::string, int>& replaced) {
   const std::string& key = Grid.Cell(row, kKey);
   KW_ASSIGN_OR_RETURN(
       const auto own,
       db_.QuerySql("select `FileName`, `_id_path` from `File` where `File`.`File` = ?", {key}));
   if (!own) {
+    if (const auto other = replaced.find(key); other != replaced.end()) {
+      return {kErrorFileExists, "The additional files \"" + Grid.Cell(other->second, kSourceFile) +
+                                    "\" and \"" + Grid.Cell(row, kSourceFile) +
+                                    "\" have the same name and the same destination."};
+    }
     return {kErrorFileNotFound, "The package has no file with the key \"" + key + "\"."};
   }
   KW_ASSIGN_OR_RETURN(
-      const auto replaced,
+      const auto rival,
       db_.QuerySql("select `File` from `File` where `FileName` = ? and `_id_path` = ? and `File` <> ?",
                    {own->StringData(1), own->StringData(2), key}));
-  if (replaced)
-    KW_RETURN_IF_ERROR(db_.RunSql("delete from `File` where `File` = ?", {replaced->StringData(1)}));
+  if (rival) {
+    KW_RETURN_IF_ERROR(db_.RunSql("delete from `File` where `File` = ?", {rival->StringData(1)}));
+    replaced[rival->StringData(1)] = row;
+  }
   return services_.files->CopyFile(Grid.Cell(row, kRealFile), JoinPath(run_.CabDataFolder, key), true);
 }
 

@@ -49,7 +49,8 @@ class frmAdditionalFiles : public GridPage {
   Result<Place> FindPlace(std::string directory);
   Status PrepareFiles();
   Status FillPaths();
-  Status PlaceFile(int row);
+  /// `replaced` tells of each file that an earlier row took the place of, which row that was.
+  Status PlaceFile(int row, std::map<std::string, int>& replaced);
   /// The lower-cased target folder of a directory.
   Result<std::string> GetFullPath(const std::string& directory_key);
 

@@ -398,6 +398,17 @@ TEST_F(AdditionalFilesTest, AFileOfTheSameNameAndPlaceReplacesTheProducts) {
   EXPECT_THAT(directives, HasSubstr("\"C:\\Temp\\run\\CabData\\" + Key(1) + "\" \"" + Key(1) + "\""));
 }
 
+TEST_F(AdditionalFilesTest, TwoAddedFilesOfOneNameAndPlaceAreBothNamedWhenTheBuildFails) {
+  machine.files.AddFile("C:\\Other\\notes.txt", "others");
+  Open();
+  Add("C:\\Files\\notes.txt");
+  Add("C:\\Other\\notes.txt");
+  Take();
+  EXPECT_FALSE(page().CreateCabFile());
+  EXPECT_THAT(Take(), ElementsAre("message The additional files \"C:\\Files\\notes.txt\" and "
+                                  "\"C:\\Other\\notes.txt\" have the same name and the same destination."));
+}
+
 TEST_F(AdditionalFilesTest, AProductsFileOfAShortAndALongNameIsAnotherName) {
   Open();
   Sql("update `File` set `FileName` = 'MAIN~1.EXE|main.exe' where `File` = 'main.exe'");
