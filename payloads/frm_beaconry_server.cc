@@ -167,10 +167,12 @@ Result<frmBeaconryServer::Opened> frmBeaconryServer::OpenNestedPackage() {
       run_.InstallerSecond->OpenDatabase(run_.BeaconryWorkingMsiPath, platform::OpenMode::kDirect);
   if (!database.ok()) return Opened::kNoDatabase;
   run_.BeaconryDatabase = *database;
-  KW_RETURN_IF_ERROR(nested_.LowerCaseFileNames());
-  // A package that has no such table is another product's as well.
+  // A package that lacks one of these tables is another product's as well.
+  const Status lowered = nested_.LowerCaseFileNames();
+  if (!lowered.ok() && lowered.number() != kErrorBadQuerySyntax) return lowered;
   const auto code = nested_.QuerySql("select `Value` from `Property` where `Property` = 'UpgradeCode'");
-  if (code.ok() && *code && (*code)->StringData(1) == kBeaconryUpgradeCode) return Opened::kYes;
+  const bool is_server = code.ok() && *code && (*code)->StringData(1) == kBeaconryUpgradeCode;
+  if (lowered.ok() && is_server) return Opened::kYes;
   run_.BeaconryDatabase.reset();
   return Opened::kOtherProduct;
 }

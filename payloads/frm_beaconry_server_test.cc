@@ -233,6 +233,25 @@ TEST_F(BeaconryServerTest, AnotherProductInTheServersPlaceIsTold) {
   }
 }
 
+TEST_F(BeaconryServerTest, APackageWithoutFilesInTheServersPlaceIsTold) {
+  for (const char* missing : {"File", "Property"}) {
+    CarryNested();
+    {
+      const auto nested =
+          *run.InstallerSecond->OpenDatabase("C:\\Source\\BCN\\BCN470.msi", platform::OpenMode::kDirect);
+      const auto view = std::move(*nested->OpenView(std::string("drop table `") + missing + "`"));
+      ASSERT_TRUE(view->Execute(nullptr).ok());
+    }
+    page().ReadConfig();
+    EXPECT_THAT(
+        Steps(),
+        ElementsAre("message " + std::string(kCarried) +
+                    " does not appear to be a valid Beaconry Server installation file.  You may "
+                    "configure Beaconry Server installation options on the Beaconry Installation page."));
+    EXPECT_FALSE(run.BeaconryDatabase);
+  }
+}
+
 TEST_F(BeaconryServerTest, TheNestedPackagesFileNamesBecomeLowerCaseInTheCopyAlone) {
   const std::string source = machine.files.Content("C:\\Beaconry\\BCN470.msi");
   Choose();
