@@ -18,6 +18,10 @@ void ControlView::Focus(bool) { Window()->SetFocus(); }
 
 void ControlView::User(const std::function<void()>& action) { form_.User(*this, action); }
 
+void ControlView::UserByKey(std::function<void()> action) {
+  Window()->CallAfter([this, action = std::move(action)] { User(action); });
+}
+
 std::unique_ptr<ControlView> MakeControlView(FormView& form, Control& control, wxWindow* parent) {
   switch (control.Kind()) {
     case ControlKind::kTextBox:

@@ -49,6 +49,9 @@ class ControlView {
   virtual void ApplyOwn(Changes changes) = 0;
   /// Runs what a person did on the control. When it cannot be used now, the widget goes back to the state.
   void User(const std::function<void()>& action);
+  /// As User, for what a key does: once the window system is through with the key. Windows tells of keys from
+  /// within a hook, where menus and other windows would get none.
+  void UserByKey(std::function<void()> action);
 
   FormView& form_;
 

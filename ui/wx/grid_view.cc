@@ -141,11 +141,11 @@ class GridView : public ControlView {
   void Key(wxKeyEvent& event) {
     const int key = event.GetKeyCode();
     if (key == WXK_DELETE || key == WXK_NUMPAD_DELETE) {
-      User([this] {
+      UserByKey([this] {
         if (grid_.on_delete_key) grid_.on_delete_key();
       });
     } else if (key == WXK_INSERT || key == WXK_NUMPAD_INSERT) {
-      User([this] {
+      UserByKey([this] {
         if (grid_.on_insert_key) grid_.on_insert_key();
       });
     } else {

@@ -38,14 +38,20 @@ class ListBoxView : public ControlView {
     box_->Bind(wxEVT_LISTBOX, pick);
     box_->Bind(wxEVT_LISTBOX_DCLICK, [this, pick](wxCommandEvent& event) {
       pick(event);
-      Act(list_.on_double_click);
+      User([this] {
+        if (list_.on_double_click) list_.on_double_click();
+      });
     });
     box_->Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
       const int key = event.GetKeyCode();
       if (key == WXK_DELETE || key == WXK_NUMPAD_DELETE) {
-        Act(list_.on_delete_key);
+        UserByKey([this] {
+          if (list_.on_delete_key) list_.on_delete_key();
+        });
       } else if (key == WXK_INSERT || key == WXK_NUMPAD_INSERT) {
-        Act(list_.on_insert_key);
+        UserByKey([this] {
+          if (list_.on_insert_key) list_.on_insert_key();
+        });
       } else {
         event.Skip();
       }
@@ -70,12 +76,6 @@ class ListBoxView : public ControlView {
   }
 
  private:
-  void Act(const std::function<void()>& handler) {
-    User([&handler] {
-      if (handler) handler();
-    });
-  }
-
   ListBox& list_;
   wxListBox* box_;
 };

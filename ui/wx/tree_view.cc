@@ -238,9 +238,12 @@ class TreeView : public ControlView {
 
   void ClickFromKeyboard(const wxDataViewItem& item) {
     if (!item.IsOk()) return;
-    const wxRect place = view_->GetItemRect(item, column_);
-    form_.Host().PlacePopup(view_->ClientToScreen(wxPoint(place.x + sign_edge_, place.GetBottom())));
-    Click(item, MouseButton::kLeft);
+    // As with UserByKey.
+    view_->CallAfter([this, item] {
+      const wxRect place = view_->GetItemRect(item, column_);
+      form_.Host().PlacePopup(view_->ClientToScreen(wxPoint(place.x + sign_edge_, place.GetBottom())));
+      Click(item, MouseButton::kLeft);
+    });
   }
 
   void Click(const wxDataViewItem& item, MouseButton button) {

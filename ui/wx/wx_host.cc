@@ -106,14 +106,17 @@ FormView& WxHost::Ensure(Form& form) {
 }
 
 void WxHost::BindKeys(wxWindow& window, std::function<Form*()> shown) {
-  window.Bind(wxEVT_CHAR_HOOK, [this, shown = std::move(shown)](wxKeyEvent& event) {
-    if (event.GetKeyCode() == WXK_ESCAPE && !event.HasAnyModifiers()) {
+  window.Bind(wxEVT_CHAR_HOOK, [this, &window, shown = std::move(shown)](wxKeyEvent& event) {
+    if (event.GetKeyCode() != WXK_ESCAPE || event.HasAnyModifiers()) {
+      event.Skip();
+      return;
+    }
+    // Not within the hook by which Windows tells of keys: the question that comes then needs them too.
+    window.CallAfter([this, shown] {
       Form* form = shown();
       FormView* view = form ? ViewOf(*form) : nullptr;
       if (view) view->PressCancel();
-      return;
-    }
-    event.Skip();
+    });
   });
 }
 
