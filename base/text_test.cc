@@ -47,6 +47,13 @@ TEST(Text, EveryByteOfAWindowsPageIsACharacterAndComesBack) {
   EXPECT_EQ(CodePageToUtf8("\x80\xA0\xFD", 932), "\xC2\x80\xEF\xA3\xB0\xEF\xA3\xB1");
 }
 
+TEST(Text, BytesThatMeanNothingInAPageBecomeTheReplacementCharacter) {
+  EXPECT_EQ(CodePageToUtf8("b\xC3\xA4", 0), "b\xEF\xBF\xBD\xEF\xBF\xBD");
+  EXPECT_EQ(CodePageToUtf8("a\x81", 932), "a\xEF\xBF\xBD");
+  EXPECT_EQ(CodePageToUtf8("\x81\xFF\x93\xFA", 932), "\xEF\xBF\xBD\xEF\xA3\xB3\xE6\x97\xA5");
+  EXPECT_EQ(CodePageToUtf8("a\xFF", 65001), "a\xEF\xBF\xBD");
+}
+
 TEST(Text, AControlCharacterWhoseNumberThePageUsesOtherwiseHasNoPlaceInIt) {
   // 0x80 is the euro sign there.
   EXPECT_EQ(Utf8ToCodePage("\xC2\x80", 1252).number(), kErrorUnrepresentableText);

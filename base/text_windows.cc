@@ -16,7 +16,47 @@ char32_t MapCase(char32_t c, DWORD flags) {
   return static_cast<char32_t>(out);
 }
 
-UINT PageOf(int code_page) { return code_page == 0 ? 20127u : static_cast<UINT>(code_page); }
+constexpr UINT kAscii = 20127;
+constexpr char16_t kMeaningless = u'\uFFFD';
+
+UINT PageOf(int code_page) { return code_page == 0 ? kAscii : static_cast<UINT>(code_page); }
+
+std::u16string Wide(UINT page, DWORD flags, std::string_view bytes) {
+  const int count = static_cast<int>(bytes.size());
+  const int size = MultiByteToWideChar(page, flags, bytes.data(), count, nullptr, 0);
+  std::u16string wide(static_cast<size_t>(size), u'\0');
+  MultiByteToWideChar(page, flags, bytes.data(), count, reinterpret_cast<wchar_t*>(wide.data()), size);
+  return wide;
+}
+
+/// The character of a byte that the system calls invalid in the page: some it knows all the same, both ways.
+char16_t CharacterOf(UINT page, char byte) {
+  const std::u16string wide = Wide(page, 0, std::string_view(&byte, 1));
+  if (wide.size() != 1) return kMeaningless;
+  char back[8] = {};
+  const int size =
+      WideCharToMultiByte(page, WC_NO_BEST_FIT_CHARS, reinterpret_cast<const wchar_t*>(wide.data()), 1, back,
+                          sizeof back, nullptr, nullptr);
+  return size == 1 && back[0] == byte ? wide[0] : kMeaningless;
+}
+
+/// Text in which some bytes mean nothing.
+std::u16string WideByCharacters(UINT page, std::string_view bytes) {
+  std::u16string wide;
+  while (!bytes.empty()) {
+    const bool leads = IsDBCSLeadByteEx(page, static_cast<BYTE>(bytes[0])) != FALSE;
+    const std::string_view one = bytes.substr(0, leads ? 2 : 1);
+    const std::u16string character = Wide(page, MB_ERR_INVALID_CHARS, one);
+    if (!character.empty()) {
+      wide += character;
+      bytes.remove_prefix(one.size());
+    } else {
+      wide += leads ? kMeaningless : CharacterOf(page, bytes[0]);
+      bytes.remove_prefix(1);
+    }
+  }
+  return wide;
+}
 
 }  // namespace
 
@@ -38,7 +78,7 @@ Result<std::string> Utf8ToCodePage(std::string_view utf8, int code_page) {
   BOOL replaced = FALSE;
   WideCharToMultiByte(page, WC_NO_BEST_FIT_CHARS, chars, count, out.data(), size, nullptr, &replaced);
   bool lost = replaced != FALSE;
-  if (page == 20127u) {
+  if (page == kAscii) {
     for (const char16_t c : wide) lost = lost || c >= 0x80;
   }
   if (lost) {
@@ -51,13 +91,21 @@ Result<std::string> Utf8ToCodePage(std::string_view utf8, int code_page) {
 
 std::string CodePageToUtf8(std::string_view bytes, int code_page) {
   if (bytes.empty()) return {};
-  const int count = static_cast<int>(bytes.size());
-  const int size = MultiByteToWideChar(PageOf(code_page), 0, bytes.data(), count, nullptr, 0);
-  if (size <= 0) return CodePageToUtf8(bytes, 28591);
-  std::u16string wide(static_cast<size_t>(size), u'\0');
-  MultiByteToWideChar(PageOf(code_page), 0, bytes.data(), count, reinterpret_cast<wchar_t*>(wide.data()),
-                      size);
-  return Utf16ToUtf8(wide);
+  if (code_page == 65001) return Utf16ToUtf8(Utf8ToUtf16(bytes));
+  const UINT page = PageOf(code_page);
+  if (page == kAscii) {
+    // The system leaves the high bit away.
+    std::u16string wide;
+    for (const char byte : bytes) wide += static_cast<unsigned char>(byte) < 0x80 ? byte : kMeaningless;
+    return Utf16ToUtf8(wide);
+  }
+  std::u16string wide = Wide(page, MB_ERR_INVALID_CHARS, bytes);
+  if (wide.empty()) {
+    // Pages with shifts cannot tell what is invalid in them.
+    const bool tells = GetLastError() == ERROR_NO_UNICODE_TRANSLATION;
+    wide = tells ? WideByCharacters(page, bytes) : Wide(page, 0, bytes);
+  }
+  return wide.empty() ? CodePageToUtf8(bytes, 28591) : Utf16ToUtf8(wide);
 }
 
 bool CodePageIsKnown(int code_page) { return IsValidCodePage(PageOf(code_page)) != FALSE; }
