@@ -2,14 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include "base/testing/memory_storage.h"
 #include "cabinet/cabinet_plan.h"
 #include "cabinet/test_support.h"
 
 namespace kw::cabinet {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 
 class CabinetWriterTest : public CabinetFolderTest {};
 
@@ -113,12 +114,15 @@ TEST_F(CabinetWriterTest, TooManyFilesAreRefusedBeforeAnythingIsWritten) {
 }
 
 TEST_F(CabinetWriterTest, AsManyFilesAsACabinetHoldsArePacked) {
-  const std::string path = Make("f", "x");
-  std::vector<CabinetFile> files(kMaxEntries, {path, "", FileStamp{}});
+  kw::testing::MemoryStorage storage;
+  storage.Content("f") = "x";
+  std::vector<CabinetFile> files(kMaxEntries, {"f", "", FileStamp{}});
   for (size_t i = 0; i < files.size(); ++i) files[i].name = std::to_string(i);
-  ASSERT_TRUE(WriteCabinet(SystemStorage(), Host("a.cab"), files, {}).ok());
+  ASSERT_TRUE(WriteCabinet(storage, "a.cab", files, {}).ok());
+  auto reader = CabinetReader::Open(storage, "a.cab", 1252);
+  ASSERT_TRUE(reader.ok());
   MemorySink sink;
-  ASSERT_TRUE(Unpack("a.cab", sink).ok());
+  ASSERT_TRUE(reader->Extract(sink).ok());
   EXPECT_EQ(sink.content.size(), kMaxEntries);
 }
 
