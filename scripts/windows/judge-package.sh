@@ -1,5 +1,5 @@
 #!/bin/bash
-# judge-package.sh PACKAGE.msi FOLDER: Windows Installer judges a package that the wizard built. It reads every row, joins
+# judge-package.sh PACKAGE.msi FOLDER [--do-not-install]: Windows Installer judges a package that the wizard built. It reads every row, joins
 # tables, exports all of it, makes a new database of what it exported, and installs the package. What it reads and
 # exports must be what the engine reads of the package, the same of the database that it made, and what it installs
 # must be the bytes of the package's cabinet. To be run on a machine where the product is not installed, in the folder's
@@ -56,7 +56,8 @@ for stream in streams/*; do
   [[ $name == *.* && -d exported/${name%%.*} ]] || continue
   cmp -s "$stream" "exported/${name/.//}" || fail "the stream $name is exported otherwise"
 done
-installer new.msi --import "Z:${work//\//\\}\\exported" || { cat errors; fail "the installer cannot take back what it exported"; }
+installer new.msi --import "Z:${work//\//\\}\\exported" package.msi || { cat errors; fail "the installer cannot take back what it exported"; }
+diff <(msiinfo suminfo package.msi) <(msiinfo suminfo new.msi) || fail "the installer keeps another summary"
 rows_by_engine new.msi > again
 cmp -s ours again || { diff ours again | head -n 20; fail "the engine reads other rows of the installer's own database"; }
 streams new.msi streams.again
@@ -65,19 +66,27 @@ for stream in streams.again/*; do
 done
 
 # What is installed: the files of each feature that is on, if all above it are, by their bytes.
+if [[ ${3:-} == --do-not-install ]]; then
+  echo "judged: $(basename "$package"): $(wc -l < ours) rows, $(ls streams | wc -l) streams, not installed"
+  exit
+fi
 status=0
 cp "$package" "$drive/package.msi"
+# Some packages are set to install there.
+mkdir -p "$WINEPREFIX/drive_d"
+if [[ -n $KITWRIGHT_WINE_OWNER ]]; then chown "$KITWRIGHT_WINE_OWNER" "$WINEPREFIX/drive_d"; fi
+ln -sfn ../drive_d "$WINEPREFIX/dosdevices/d:"
 give_to_user
 on_machine msiexec /i 'C:\package.msi' /qn || status=$?
 ((status == 0)) || fail "the installation ended with $status"
 level=$(awk -F '\t' '$1 == "Property" && $2 == "INSTALLLEVEL" { print $3 }' ours)
 mkdir unpacked
-for cabinet in streams/Cabs.*; do
-  if [[ -e $cabinet ]]; then cabextract -e WINDOWS-1252 -q -d unpacked "$cabinet"; fi
+for cabinet in streams/*; do
+  if [[ $(head -c 4 "$cabinet") == MSCF ]]; then cabextract -e WINDOWS-1252 -q -d unpacked "$cabinet"; fi
 done
 # Some file may be in the system's folder, among those of the system.
 {
-  find "$drive" -path "$drive/windows" -prune -o -type f -print0
+  find "$drive" "$WINEPREFIX/drive_d" -path "$drive/windows" -prune -o -type f -print0
   find "$drive/windows" -type f -size -16k ! -iname '*.dll' ! -iname '*.exe' -print0
 } | xargs -0 sha256sum | cut -c 1-64 | sort -u > installed
 count=0
@@ -96,4 +105,5 @@ done < <(awk -F '\t' -v level="${level:-1}" '
       for (i = 1; i <= count; ++i) if (on(features[i])) { print key; break }
     }
   }' ours)
+((count > 0)) || fail "no file to install was found in it"
 echo "judged: $(basename "$package"): $(wc -l < ours) rows, $(ls streams | wc -l) streams, $count files installed"

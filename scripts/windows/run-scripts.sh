@@ -46,7 +46,7 @@ for part in BCN BWK KTE ZED local; do ln -s "$cross/bin/$part" "$stand_in/bin/$p
 ln -s "$native/tests/"{settings-cipher,peak-memory} "$stand_in/tests/"
 x86_64-w64-mingw32-gcc-posix -O1 -municode -o "$wine_home/plain_user.exe" "$here/plain_user.c"
 x86_64-w64-mingw32-gcc-posix -O1 -o "$wine_home/wine_dump.exe" tests/peers/wine_dump.c -lmsi
-gcc -O1 -shared -fPIC -o "$wine_home/machine_memory.so" "$here/machine_memory.c"
+gcc -O1 -shared -fPIC -o "$wine_home/machine_facts.so" "$here/machine_facts.c"
 export KITWRIGHT_WINE_AS="${as_user[*]}" KITWRIGHT_WINE_OWNER=${nobody:+$nobody:$nobody}
 export KITWRIGHT_WINE_DUMP=$wine_home/wine_dump.exe KITWRIGHT_MSISQL=$native/bin/msisql
 for level in "${levels[@]}"; do
@@ -55,8 +55,9 @@ for level in "${levels[@]}"; do
 done
 grep -rhoE '\{[0-9A-Fa-f]{8}(-[0-9A-Fa-f]{4}){3}-[0-9A-Fa-f]{12}\}' sample tests/scripts --exclude='*.expected' |
   sort -u > "$wine_home/known" || true
-grep -v '^#' "$here/differences.txt" | sed 's/  .*//' > "$wine_home/differences"
-export LD_PRELOAD=$wine_home/machine_memory.so
+moment=$(sed -n 's/^now=//p' "$native/tests/machines/${levels[0]}/machine.ini")
+export LD_PRELOAD=$wine_home/machine_facts.so KITWRIGHT_MOMENT
+KITWRIGHT_MOMENT=$(date -u -d "$moment" +%s)
 start_wine
 
 # keep FOLDER: copies what makes the machine of the prefix, all but the system's own files.
@@ -75,7 +76,7 @@ put_back() {
   chmod -R u+w "$drive"
   find "$WINEPREFIX" -mindepth 1 -maxdepth 1 ! -name drive_c ! -name dosdevices ! -name ".update*" -exec rm -rf {} +
   find "$drive" -mindepth 1 -maxdepth 1 ! -name windows -exec rm -rf {} +
-  rm -rf "$drive/windows/Installer"
+  rm -rf "$drive/windows/Installer" "$WINEPREFIX/dosdevices/d:"
   cp -a "$1/." "$WINEPREFIX/"
   "${as_user[@]}" wineserver -p
 }
@@ -114,27 +115,19 @@ set_up() {
   cp "$wine_home/live.before" "$wine_home/kept-$level/"
 }
 
-# plain: names made of the time and new identifiers by their number, in order of appearance; the program's folder; the
-# top of drive C, where it is told in one line, without what only one of the two machines has.
+# plain: new identifiers by their number, in order of appearance; the program's folder; the top of drive C, where it is
+# told in one line, without what only one of the two machines has.
 plain() {
-  sed -e '/^drive_c: /{ s/ Kitwright\b//; s/ Program Files (x86)//; s/ users\b//; s/ [Ww]indows\b//; s/ Documents and Settings// }' -e 's/C:\\Kitwright\\/<program folder>\\/g' -e 's/C:\\Kitwright/<program folder>/g' | tr -d '\r' | awk '
-    {
-      rest = $0
-      line = ""
-      while (match(rest, /_id_[0-9]+/)) {
-        id = substr(rest, RSTART, RLENGTH)
-        # Behind the first run: the clock of the embedded machine stands still, so that a second one has the same names.
-        if (ended) names[id] = "_id_<later>"
-        if (!(id in names)) names[id] = "_id_<" ++count ">"
-        line = line substr(rest, 1, RSTART - 1) names[id]
-        rest = substr(rest, RSTART + RLENGTH)
-      }
-      print line rest
-    }
-    /^exit [0-9]+$/ { ended = 1 }' | awk -v known="$wine_home/known" -f tests/new-identifiers.awk | awk -f "$here/registry-order.awk"
+  sed -e '/^drive_c: /{ s/ Kitwright\b//; s/ Program Files (x86)//; s/ users\b//; s/ [Ww]indows\b//; s/ Documents and Settings// }' \
+    -e 's/C:\\Kitwright\\/<program folder>\\/g' -e 's/C:\\Kitwright/<program folder>/g' | tr -d '\r' |
+    awk -v known="$wine_home/known" -f tests/new-identifiers.awk | awk -f "$here/registry-order.awk"
 }
-# known_differences: without the lines that differ for a known reason (differences.txt).
-known_differences() { grep -avxEf "$wine_home/differences" || true; }
+# known_differences NAME: without the lines that differ for a known reason (differences.txt).
+known_differences() {
+  local patterns
+  patterns=$(awk -F '  +' -v name="$1" '$1 == "*" || $1 == name { print $2 }' "$here/differences.txt")
+  grep -avxE "$patterns" || true
+}
 
 # vary VARIANT LEVEL: makes another machine of the worker's: "32-bit", the product has installed itself as a 32-bit program,
 # so that its settings are in the registry's view for those; "rewritten", the package to open was written by Windows
@@ -152,8 +145,8 @@ vary() {
       package='C:\Packages\Kestrane\Kte'$2.msi
       give_to_user "$drive"
       run_wine 60 "$KITWRIGHT_WINE_DUMP" "$package" --export 'C:\exported'
-      rm "$drive/Packages/Kestrane/Kte$2.msi"
-      run_wine 60 "$KITWRIGHT_WINE_DUMP" "$package" --import 'C:\exported'
+      mv "$drive/Packages/Kestrane/Kte$2.msi" "$drive/exported/original.msi"
+      run_wine 60 "$KITWRIGHT_WINE_DUMP" "$package" --import 'C:\exported' 'C:\exported\original.msi'
       rm -r "$drive/exported"
       ;;
   esac
@@ -188,7 +181,7 @@ run_one() (
     cd "$WINEPREFIX/drive_c/Kitwright" || exit 1
     # What the wizard itself holds: the programs that it starts are no children of it on this system's side.
     as_user=(${megabytes:+"$native/tests/peak-memory" "$megabytes"} "${as_user[@]}")
-    run_wine "$((2 * ${seconds:-60}))" "${start[@]}" < "$script.kw"
+    KITWRIGHT_NOW=$KITWRIGHT_MOMENT run_wine "$((2 * ${seconds:-60}))" "${start[@]}" < "$script.kw"
   ) > "$work/transcript" 2>&1 || status=$?
   {
     cat "$work/transcript"
@@ -199,9 +192,9 @@ run_one() (
       (cd "$WINEPREFIX" && timeout 240 bash -eu "$after") 2>&1 || echo "after: failed"
     fi
   } > "$work/said"
-  plain < "$work/said" | known_differences > "$work/printed"
+  plain < "$work/said" | known_differences "$name" > "$work/printed"
   if [[ -n $after ]]; then cat "$script.expected"; else sed '/^exit [0-9]*$/q' "$script.expected"; fi |
-    plain | known_differences > "$work/expected"
+    plain | known_differences "$name" > "$work/expected"
   rm -rf "$work/built"
   mkdir "$work/built"
   (cd "$WINEPREFIX/drive_c" && find . -path ./Out/\* -name '*.msi' -exec cp --parents -t "$work/built" {} +)
@@ -210,11 +203,11 @@ run_one() (
 
 # judge_built NAME FOLDER: lets Windows Installer judge each package that the run has built.
 judge_built() (
-  local package
-  [[ -z $(not_run "$1:packages") ]] || exit 0
+  local package reading_only=
+  if [[ -n $(not_run "$1:install") ]]; then reading_only=--do-not-install; fi
   find "$2/built" -name '*.msi' | while read -r package; do
     put_back "$wine_home/kept-bare"
-    "$here/judge-package.sh" "$package" "$2/judge" || exit 1
+    "$here/judge-package.sh" "$package" "$2/judge" $reading_only || exit 1
   done
 )
 
@@ -243,16 +236,19 @@ play() (
 
 # worker NUMBER: runs what no other worker has begun.
 worker() {
-  local work=$wine_home/work-$1 name
+  local work=$wine_home/work-$1 name begun
   mkdir -p "$work"
   if (($1 > 1)); then export WINEPREFIX=$wine_home/prefix-$1; fi
   for name in "${names[@]}"; do
     mkdir "$wine_home/begun/$name" 2> /dev/null || continue
+    begun=$SECONDS
     if run_one "$name" "$work" > "$wine_home/said/$name" 2>&1 && judge_built "$name" "$work" > "$wine_home/judged/$name" 2>&1; then
       touch "$wine_home/passed/$name"
+      echo "[       OK ] script.$name ($((SECONDS - begun)) s)"
     else
       tail -qn 100 "$wine_home/said/$name" "$wine_home/judged/$name" 2> /dev/null || true
       touch "$wine_home/failed/$name"
+      echo "[  FAILED  ] script.$name ($((SECONDS - begun)) s)"
     fi
   done
   end_server

@@ -11,7 +11,7 @@
 # this runs as another user, for whom what is tested must be readable.
 
 wine_home=$(mktemp -d "${TMPDIR:-/tmp}/kitwright-wine.XXXXXX")
-export WINEPREFIX=$wine_home/prefix WINEDEBUG=-all WINEARCH=win64
+export WINEPREFIX=$wine_home/prefix WINEDEBUG=-all WINEARCH=win64 TZ=UTC
 # No browser engine and no menu entries are wanted.
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
 as_user=()

@@ -3,7 +3,8 @@
      wine_dump FILE SQL...          the rows of selects, fields between tabs, streams by their size
      wine_dump FILE --all           the rows of every table, each behind the table's name
      wine_dump FILE --export FOLDER every table as a text file, streams beside them, for --import
-     wine_dump FILE --import FOLDER makes a new database of such a folder */
+     wine_dump FILE --import FOLDER [SUMMARY]
+                                    makes a new database of such a folder, with the summary information of another */
 #include <windows.h>
 #include <msi.h>
 #include <msiquery.h>
@@ -77,7 +78,32 @@ static int each_table(MSIHANDLE database, const char* folder) {
   return failures;
 }
 
-static int import(const char* file, const char* folder) {
+/* Wine's exported summary information lacks its numbers, and without them no package can be installed. */
+static int copy_summary(const char* from, MSIHANDLE to) {
+  MSIHANDLE old, new;
+  int failures = 0;
+  UINT error = MsiGetSummaryInformationA(0, from, 0, &old);
+  if (error) return failed(from, error);
+  error = MsiGetSummaryInformationA(to, NULL, 20, &new);
+  if (error) return failed("the new summary", error);
+  for (UINT property = 1; property < 20; ++property) {
+    UINT type = VT_EMPTY;
+    INT number = 0;
+    FILETIME time;
+    DWORD size = sizeof text;
+    error = MsiSummaryInfoGetPropertyA(old, property, &type, &number, &time, text, &size);
+    if (!error && type == VT_EMPTY) continue;
+    if (!error) error = MsiSummaryInfoSetPropertyA(new, property, type, number, &time, text);
+    if (error) failures += failed("a property of the summary", error);
+  }
+  error = MsiSummaryInfoPersist(new);
+  if (error) failures += failed("the summary", error);
+  MsiCloseHandle(new);
+  MsiCloseHandle(old);
+  return failures;
+}
+
+static int import(const char* file, const char* folder, const char* summary) {
   MSIHANDLE database;
   WIN32_FIND_DATAA found;
   char pattern[MAX_PATH];
@@ -92,6 +118,7 @@ static int import(const char* file, const char* folder) {
     if (error) failures += failed(found.cFileName, error);
   } while (FindNextFileA(search, &found));
   FindClose(search);
+  if (summary) failures += copy_summary(summary, database);
   error = MsiDatabaseCommit(database);
   if (error) failures += failed("commit", error);
   MsiCloseHandle(database);
@@ -101,7 +128,7 @@ static int import(const char* file, const char* folder) {
 int main(int argc, char** argv) {
   MSIHANDLE database;
   int failures = 0;
-  if (argc == 4 && strcmp(argv[2], "--import") == 0) return import(argv[1], argv[3]) != 0;
+  if ((argc == 4 || argc == 5) && strcmp(argv[2], "--import") == 0) return import(argv[1], argv[3], argv[4]) != 0;
   UINT error = MsiOpenDatabaseA(argv[1], MSIDBOPEN_READONLY, &database);
   if (error) return failed(argv[1], error);
   if (argc == 3 && strcmp(argv[2], "--all") == 0) {
