@@ -1,7 +1,6 @@
-// play-on-screen PROGRAM SCRIPT: plays a script of the driver's on the real windows. What it does, it does
-// with mouse and keyboard; what it prints, it reads from the screen by the accessibility bus, as a screen
-// reader would. Needs a display with a window manager, xdotool, and the bus. It knows these of the driver's
-// commands: click, type, node, menu, answer, print, say, and set in front of all others.
+// play-on-screen PROGRAM SCRIPT: plays a script of the driver's on the real windows (script_player.h tells
+// how). What it does, it does with mouse and keyboard; what it prints, it reads from the screen by the
+// accessibility bus, as a screen reader would. Needs a display with a window manager, xdotool, and the bus.
 //
 // On each new window it also looks whether everything that a person can reach has a name and a role that
 // readers know; what has not is told by a line "nameless ...". Exits with 1 when something to act on is not
@@ -11,31 +10,24 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "tests/screen/script_player.h"
 #include "tests/screen/seen_screen.h"
 
 namespace kw::screen {
 namespace {
 
-using std::chrono::milliseconds;
-
-constexpr int kPatienceSeconds = 60;
-constexpr const char* kProgramTitle = "Kitwright";
+constexpr int kCalmLooks = 4;
 // Roles of what people act on.
 const std::set<std::string> kActs = {"push button", "check box",  "radio button", "text", "password text",
                                      "combo box",   "tree table", "table",        "list"};
-
-void Pause(int count) { std::this_thread::sleep_for(milliseconds(count)); }
 
 /// Runs xdotool with these words and waits for it.
 void Hands(std::vector<std::string> words) {
@@ -53,91 +45,42 @@ void Hands(std::vector<std::string> words) {
   if (status != 0) throw std::runtime_error("xdotool failed");
 }
 
-/// In one line, without the ends of lines that the width of a window makes.
-std::string OneLine(const std::string& text) {
-  std::string line;
-  for (const char letter : text) line += letter == '\n' || letter == '\r' ? ' ' : letter;
-  return line;
-}
-
-class Player {
+class Player : public ScriptPlayer {
  public:
-  Player(std::string program, std::istream& script) : program_(std::move(program)), script_(script) {}
-
-  int Play() {
-    std::string line;
-    while (std::getline(script_, line)) {
-      if (line.empty() || line.front() == '#') continue;
-      const size_t blank = line.find(' ');
-      const std::string word = line.substr(0, blank);
-      const std::string rest = blank == std::string::npos ? "" : line.substr(blank + 1);
-      if (word == "set") {
-        if (process_ != 0) throw std::runtime_error("set comes too late: " + line);
-        const size_t sign = rest.find('=');
-        setenv(rest.substr(0, sign).c_str(), rest.substr(sign + 1).c_str(), 1);
-        continue;
-      }
-      if (process_ == 0) Start();
-      Do(word, rest);
-    }
-    return End();
-  }
+  explicit Player(std::string program) : ScriptPlayer(kCalmLooks), program_(std::move(program)) {}
 
  private:
-  void Start() {
+  void SetVariable(const std::string& name, const std::string& value) override {
+    setenv(name.c_str(), value.c_str(), 1);
+  }
+
+  void Start() override {
     process_ = fork();
     if (process_ == 0) {
       execl(program_.c_str(), program_.c_str(), static_cast<char*>(nullptr));
       _exit(127);
     }
-    Settle();
   }
 
-  /// How the program ended; it has to have ended by itself.
-  int End() {
-    for (int i = 0; i < kPatienceSeconds * 20 && !Ended(); ++i) Pause(50);
-    if (!Ended()) {
-      std::cout << "the program goes on\n";
-      kill(process_, SIGTERM);
-      waitpid(process_, nullptr, 0);
-      return 1;
-    }
-    return WIFEXITED(*status_) ? WEXITSTATUS(*status_) : 1;
-  }
-
-  bool Ended() {
+  bool HasEnded() override {
     int status = 0;
-    if (!status_ && waitpid(process_, &status, WNOHANG) == process_) {
-      status_ = status;
-      std::cout << "end" << std::endl;
-    }
+    if (!status_ && waitpid(process_, &status, WNOHANG) == process_) status_ = status;
     return status_.has_value();
   }
 
-  void Do(const std::string& word, const std::string& rest) {
-    const size_t blank = rest.find(' ');
-    const std::string target = rest.substr(0, blank);
-    const std::string text = blank == std::string::npos ? "" : rest.substr(blank + 1);
-    if (word == "answer") {
-      answers_.push_back(rest);
-    } else if (word == "menu") {
-      menus_.push_back(rest);
-    } else if (word == "say") {
-      std::cout << "say " << rest << std::endl;
-    } else if (word == "print") {
-      Print(target);
-    } else if (word == "click") {
-      ClickOn(Find(target));
-      Settle();
-    } else if (word == "type") {
-      Type(Find(target), text);
-      Settle();
-    } else if (word == "node") {
-      ClickOn(FindCell(Find(target), text));
-      Settle();
-    } else {
-      throw std::runtime_error("this player does not know the command " + word);
-    }
+  int ExitCode() override { return WIFEXITED(*status_) ? WEXITSTATUS(*status_) : 1; }
+
+  void Kill() override {
+    kill(process_, SIGTERM);
+    waitpid(process_, nullptr, 0);
+  }
+
+  void Look() override { windows_ = bus_.LookAt(process_); }
+
+  void Click(const std::string& control) override { ClickOn(Find(control)); }
+
+  void ClickNode(const std::string& control, const std::string& text) override {
+    ClickOn(FindCell(Find(control), text));
   }
 
   const Seen& Find(const std::string& id) {
@@ -145,7 +88,7 @@ class Player {
       const Seen* found = FindId(windows_, id);
       if (found) return *found;
       Pause(50);
-      windows_ = bus_.LookAt(process_);
+      Look();
     }
     throw std::runtime_error(id + " is not on the screen");
   }
@@ -164,8 +107,8 @@ class Player {
     Hands({"mousemove", std::to_string(at.x), std::to_string(at.y), "sleep", "0.05", "click", "1"});
   }
 
-  void Type(const Seen& field, const std::string& text) {
-    ClickOn(field);
+  void Type(const std::string& control, const std::string& text) override {
+    ClickOn(Find(control));
     Hands({"key", "--clearmodifiers", "ctrl+a"});
     if (text.empty()) {
       Hands({"key", "--clearmodifiers", "Delete"});
@@ -174,32 +117,7 @@ class Player {
     }
   }
 
-  /// Waits until the program waits for a person, and tells what came on the screen meanwhile.
-  void Settle() {
-    int calm = 0;
-    std::string before;
-    for (int i = 0; i < kPatienceSeconds * 20; ++i) {
-      if (Ended()) return;
-      windows_ = bus_.LookAt(process_);
-      if (TakeBox() || TakeMenu()) {
-        calm = 0;
-        continue;
-      }
-      const std::string now = TellForms();
-      calm = now == before && !now.empty() ? calm + 1 : 0;
-      before = now;
-      if (calm >= 4) {
-        menus_.clear();
-        answers_.clear();
-        return;
-      }
-      Pause(50);
-    }
-    throw std::runtime_error("the program does not come to rest");
-  }
-
-  /// Tells of a page or dialog that is new on the screen. Answers with what shows now; "" while it is busy.
-  std::string TellForms() {
+  std::string TellForms() override {
     std::string all;
     bool usable = false;
     for (const Seen& window : windows_) {
@@ -239,8 +157,7 @@ class Player {
     for (const Seen& child : widget.children) CheckNames(child, form);
   }
 
-  /// Tells of a message or question and answers it.
-  bool TakeBox() {
+  bool TakeBox() override {
     for (const Seen& window : windows_) {
       if (window.role != "alert") continue;
       std::vector<const Seen*> labels;
@@ -248,40 +165,27 @@ class Player {
       CollectRole(window, "label", labels);
       CollectRole(window, "push button", buttons);
       if (labels.empty() || buttons.empty()) return false;
-      std::string kind = buttons.size() == 1 ? "message" : "question";
-      if (window.name != kProgramTitle) kind += "(" + window.name + ")";
-      std::cout << kind << " " << OneLine(labels.front()->name);
-      const Seen* chosen = buttons.front();
-      if (buttons.size() > 1) {
-        std::string names;
-        std::string usual;
-        for (const Seen* button : buttons) {
-          names += (names.empty() ? "" : "|") + button->name;
-          if (button->focused) usual = button->name;
-        }
-        const std::string wanted = answers_.empty() ? buttons.front()->name : Taken(answers_);
-        for (const Seen* button : buttons) {
-          if (button->name == wanted) chosen = button;
-        }
-        std::cout << " [" << names << "] default=" << usual << " -> " << chosen->name;
+      Box box{window.name, OneLine(labels.front()->name), {}, {}};
+      for (const Seen* button : buttons) {
+        box.buttons.push_back(button->name);
+        if (button->focused) box.usual = button->name;
       }
-      std::cout << std::endl;
+      const Seen& chosen = *buttons[TellBox(box)];
       Pause(200);
-      ClickOn(*chosen);
+      ClickOn(chosen);
       Pause(200);
       return true;
     }
     return false;
   }
 
-  /// Chooses in a pop-up menu.
-  bool TakeMenu() {
+  bool TakeMenu() override {
     for (const Seen& window : windows_) {
       const Seen* menu = window.role == "window" ? FindRole(window, "menu") : nullptr;
       if (!menu || menu->children.empty()) continue;
       std::string captions;
       const Seen* chosen = nullptr;
-      const std::string wanted = menus_.empty() ? "dismiss" : Taken(menus_);
+      const std::string wanted = NextMenuChoice();
       for (const Seen& item : menu->children) {
         std::string caption = item.enabled ? item.name : "(" + item.name + ")";
         if (item.checked) caption = "[x] " + caption;
@@ -301,14 +205,8 @@ class Player {
     return false;
   }
 
-  static std::string Taken(std::vector<std::string>& queue) {
-    const std::string first = queue.front();
-    queue.erase(queue.begin());
-    return first;
-  }
-
-  void Print(const std::string& id) {
-    windows_ = bus_.LookAt(process_);
+  void Print(const std::string& id) override {
+    Look();
     if (id.find('.') == std::string::npos) {
       PrintForm(id);
       return;
@@ -375,14 +273,11 @@ class Player {
   }
 
   std::string program_;
-  std::istream& script_;
   Bus bus_;
   pid_t process_ = 0;
   std::optional<int> status_;
   std::vector<Seen> windows_;
   std::set<std::string> told_;
-  std::vector<std::string> answers_;
-  std::vector<std::string> menus_;
 };
 
 }  // namespace
@@ -393,13 +288,8 @@ int main(int argc, char** argv) {
     std::cerr << "usage: play-on-screen PROGRAM SCRIPT\n";
     return 2;
   }
-  std::ifstream script(argv[2]);
-  if (!script) {
-    std::cerr << "play-on-screen: cannot read " << argv[2] << "\n";
-    return 2;
-  }
   try {
-    return kw::screen::Player(argv[1], script).Play();
+    return kw::screen::Player(argv[1]).Play(kw::screen::ReadLines(argv[2]));
   } catch (const std::exception& failure) {
     std::cout << "play-on-screen: " << failure.what() << std::endl;
     return 1;

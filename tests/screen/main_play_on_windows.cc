@@ -1,7 +1,6 @@
-// play-on-windows PROGRAM SCRIPT DRIVER: play-on-screen for Windows. Plays a script of the driver's on the
-// real windows with mouse and keyboard, and prints what the windows tell another program. It finds a control
-// by the property that the wizard gives its windows (ui/wx/accessibility.h). Of the driver's commands it
-// knows: click, type, node, menu, answer, print, say, and set in front of all others.
+// play-on-windows PROGRAM SCRIPT DRIVER: plays a script of the driver's on the real windows of Windows
+// (script_player.h tells how) with mouse and keyboard, and prints what the windows tell another program. It
+// finds a control by the property that the wizard gives its windows (ui/wx/accessibility.h).
 //
 // Of menus, trees and grids another program sees nothing inside. What is to be chosen in a menu or a tree is
 // reached by keys: the file DRIVER, the driver's transcript of the same script, tells how many steps down it
@@ -11,26 +10,22 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <functional>
 #include <iostream>
 #include <map>
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "tests/screen/script_player.h"
 
 namespace kw::screen {
 namespace {
 
-constexpr int kPatienceSeconds = 60;
-constexpr const char* kProgramTitle = "Kitwright";
-
-void Pause(int count) { std::this_thread::sleep_for(std::chrono::milliseconds(count)); }
+constexpr int kCalmLooks = 6;
 
 std::wstring Wide(const std::string& text) {
   std::wstring wide(text.size(), L'\0');
@@ -72,9 +67,9 @@ std::string Caption(HWND window) {
   const std::string text = TextOf(window);
   for (size_t i = 0; i < text.size(); ++i) {
     if (text[i] == '&' && i + 1 < text.size()) ++i;
-    plain += text[i] == '\n' || text[i] == '\r' ? ' ' : text[i];
+    plain += text[i];
   }
-  return plain;
+  return OneLine(plain);
 }
 
 using Visit = std::function<bool(HWND)>;
@@ -133,10 +128,10 @@ void ClickOn(HWND window) {
   ClickAt({(place.left + place.right) / 2, (place.top + place.bottom) / 2});
 }
 
-class Player {
+class Player : public ScriptPlayer {
  public:
-  Player(std::wstring program, std::vector<std::string> script, const std::vector<std::string>& driver)
-      : program_(std::move(program)), script_(std::move(script)) {
+  Player(std::wstring program, const std::vector<std::string>& script, const std::vector<std::string>& driver)
+      : ScriptPlayer(kCalmLooks), program_(std::move(program)) {
     std::string tree;
     for (const std::string& line : driver) {
       const size_t node = line.find_first_not_of(' ');
@@ -148,28 +143,11 @@ class Player {
       if (line.find(" kind=tree ") != std::string::npos) trees_[tree].clear();
       if (line.rfind("menu ", 0) == 0) menu_lines_.push_back(line);
     }
-    for (const std::string& line : script_) {
+    for (const std::string& line : script) {
       const size_t begin = line.find("frm");
       if (begin != std::string::npos)
         forms_.insert(line.substr(begin, line.find_first_of(". ", begin) - begin));
     }
-  }
-
-  int Play() {
-    for (const std::string& line : script_) {
-      if (line.empty() || line.front() == '#') continue;
-      const size_t blank = line.find(' ');
-      const std::string word = line.substr(0, blank);
-      const std::string rest = blank == std::string::npos ? "" : line.substr(blank + 1);
-      if (word == "set") {
-        const size_t sign = rest.find('=');
-        SetEnvironmentVariableW(Wide(rest.substr(0, sign)).c_str(), Wide(rest.substr(sign + 1)).c_str());
-        continue;
-      }
-      if (!process_) Start();
-      Do(word, rest);
-    }
-    return End();
   }
 
  private:
@@ -180,7 +158,11 @@ class Player {
     return line.substr(0, end);
   }
 
-  void Start() {
+  void SetVariable(const std::string& name, const std::string& value) override {
+    SetEnvironmentVariableW(Wide(name).c_str(), Wide(value).c_str());
+  }
+
+  void Start() override {
     STARTUPINFOW start{};
     start.cb = sizeof start;
     PROCESS_INFORMATION started;
@@ -190,64 +172,33 @@ class Player {
     }
     process_ = started.hProcess;
     number_ = started.dwProcessId;
-    Settle();
   }
 
-  int End() {
-    for (int i = 0; i < kPatienceSeconds * 20 && !Ended(); ++i) Pause(50);
+  bool HasEnded() override { return WaitForSingleObject(process_, 0) == WAIT_OBJECT_0; }
+
+  int ExitCode() override {
     DWORD code = 1;
-    if (!Ended()) {
-      std::cout << "the program goes on" << std::endl;
-      TerminateProcess(process_, 1);
-    } else {
-      GetExitCodeProcess(process_, &code);
-    }
+    GetExitCodeProcess(process_, &code);
     return static_cast<int>(code);
   }
 
-  bool Ended() {
-    if (!ended_ && WaitForSingleObject(process_, 0) == WAIT_OBJECT_0) {
-      ended_ = true;
-      std::cout << "end" << std::endl;
-    }
-    return ended_;
-  }
+  void Kill() override { TerminateProcess(process_, 1); }
 
-  void Do(const std::string& word, const std::string& rest) {
-    const size_t blank = rest.find(' ');
-    const std::string target = rest.substr(0, blank);
-    const std::string text = blank == std::string::npos ? "" : rest.substr(blank + 1);
-    if (word == "answer") {
-      answers_.push_back(rest);
-    } else if (word == "menu") {
-      menus_.push_back(rest);
-    } else if (word == "say") {
-      std::cout << "say " << rest << std::endl;
-    } else if (word == "print") {
-      Print(target);
-    } else if (word == "click") {
-      ClickOn(Find(target));
-      Settle();
-    } else if (word == "type") {
-      ClickOn(Find(target));
-      Press(VK_HOME);
-      Key(VK_SHIFT, 0);
-      Press(VK_END);
-      Key(VK_SHIFT, KEYEVENTF_KEYUP);
-      Press(VK_DELETE);
-      for (const wchar_t letter : Wide(text)) Press(letter, KEYEVENTF_UNICODE);
-      Settle();
-    } else if (word == "node") {
-      ClickNode(target, text);
-      Settle();
-    } else {
-      throw std::runtime_error("this player does not know the command " + word);
-    }
+  void Click(const std::string& control) override { ClickOn(Find(control)); }
+
+  void Type(const std::string& control, const std::string& text) override {
+    Click(control);
+    Press(VK_HOME);
+    Key(VK_SHIFT, 0);
+    Press(VK_END);
+    Key(VK_SHIFT, KEYEVENTF_KEYUP);
+    Press(VK_DELETE);
+    for (const wchar_t letter : Wide(text)) Press(letter, KEYEVENTF_UNICODE);
   }
 
   /// Goes to a node by the keys, from the top, and acts on it. The driver's last list of the tree tells how
   /// far.
-  void ClickNode(const std::string& target, const std::string& text) {
+  void ClickNode(const std::string& target, const std::string& text) override {
     const HWND tree = Find(target);
     const std::vector<std::string>& nodes = trees_[target];
     const auto node = std::find(nodes.begin(), nodes.end(), text);
@@ -261,7 +212,7 @@ class Player {
     for (auto i = nodes.begin(); i != node; ++i) Press(VK_DOWN);
     Press(VK_SPACE);
     // The menu that the driver tells of may take its time.
-    for (int i = 0; i < 100 && !menus_.empty() && !MenuShows(); ++i) Pause(50);
+    for (int i = 0; i < 100 && ExpectsMenu() && !MenuShows(); ++i) Pause(50);
   }
 
   bool MenuShows() const {
@@ -282,7 +233,7 @@ class Player {
     return found;
   }
 
-  HWND Look(const std::string& name) const {
+  HWND Shown(const std::string& name) const {
     for (HWND window : Windows()) {
       for (HWND child : ShownBelow(window)) {
         if (GetPropW(child, L"Kitwright.Id") == IdOf(name)) return child;
@@ -292,7 +243,7 @@ class Player {
   }
   HWND Find(const std::string& name) const {
     for (int i = 0; i < 40; ++i) {
-      if (HWND found = Look(name)) return found;
+      if (HWND found = Shown(name)) return found;
       Pause(50);
     }
     throw std::runtime_error(name + " is not on the screen");
@@ -309,31 +260,7 @@ class Player {
     return {};
   }
 
-  /// Waits until the program waits for a person, and tells what came on the screen meanwhile.
-  void Settle() {
-    int calm = 0;
-    std::string before;
-    for (int i = 0; i < kPatienceSeconds * 20; ++i) {
-      if (Ended()) return;
-      if (TakeMenu() || TakeBox()) {
-        calm = 0;
-        continue;
-      }
-      const std::string now = TellForms();
-      calm = now == before && !now.empty() ? calm + 1 : 0;
-      before = now;
-      if (calm >= 6) {
-        menus_.clear();
-        answers_.clear();
-        return;
-      }
-      Pause(50);
-    }
-    throw std::runtime_error("the program does not come to rest");
-  }
-
-  /// Tells of a page or dialog that is new on the screen. Answers with what shows now; "" while it is busy.
-  std::string TellForms() {
+  std::string TellForms() override {
     std::string all;
     bool usable = false;
     std::set<std::string> now;
@@ -356,8 +283,7 @@ class Player {
     if (std::getenv("KITWRIGHT_PICTURES")) Pause(1500);
   }
 
-  /// Tells of a message or question and answers it.
-  bool TakeBox() {
+  bool TakeBox() override {
     for (HWND window : Windows()) {
       if (ClassOf(window) != "#32770" || !FormIn(window).first.empty()) continue;
       std::string words;
@@ -369,25 +295,15 @@ class Player {
       }
       if (words.empty() || buttons.empty()) continue;
       Pause(200);
-      std::string kind = buttons.size() == 1 ? "message" : "question";
-      if (Caption(window) != kProgramTitle) kind += "(" + Caption(window) + ")";
-      std::cout << kind << " " << words;
-      HWND chosen = buttons.front();
-      if (buttons.size() > 1) {
-        GUITHREADINFO focus{};
-        focus.cbSize = sizeof focus;
-        GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &focus);
-        const std::string wanted = answers_.empty() ? Caption(chosen) : Taken(answers_);
-        std::string names;
-        std::string usual;
-        for (HWND button : buttons) {
-          names += (names.empty() ? "" : "|") + Caption(button);
-          if (button == focus.hwndFocus) usual = Caption(button);
-          if (Caption(button) == wanted) chosen = button;
-        }
-        std::cout << " [" << names << "] default=" << usual << " -> " << Caption(chosen);
+      Box box{Caption(window), words, {}, {}};
+      GUITHREADINFO focus{};
+      focus.cbSize = sizeof focus;
+      GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &focus);
+      for (HWND button : buttons) {
+        box.buttons.push_back(Caption(button));
+        if (button == focus.hwndFocus) box.usual = Caption(button);
       }
-      std::cout << std::endl;
+      const HWND chosen = buttons[TellBox(box)];
       ForPicture();
       ClickOn(chosen);
       Pause(300);
@@ -396,14 +312,17 @@ class Player {
     return false;
   }
 
-  /// Chooses in a pop-up menu.
-  bool TakeMenu() {
+  bool TakeMenu() override {
     for (HWND window : Windows()) {
       if (ClassOf(window) != "#32768") continue;
       ForPicture();
-      const std::string line = menu_lines_.empty() ? "" : Taken(menu_lines_);
+      std::string line;
+      if (!menu_lines_.empty()) {
+        line = menu_lines_.front();
+        menu_lines_.erase(menu_lines_.begin());
+      }
       const size_t end = line.rfind(" -> ");
-      const std::string wanted = menus_.empty() ? "dismiss" : Taken(menus_);
+      const std::string wanted = NextMenuChoice();
       bool chosen = false;
       int steps = 0;
       for (size_t begin = line.find(' ') + 1; end != std::string::npos && begin < end && !chosen;) {
@@ -425,14 +344,8 @@ class Player {
     return trees_.count(name) > 0 || name.find(".Grid") != std::string::npos;
   }
 
-  static std::string Taken(std::vector<std::string>& queue) {
-    const std::string first = queue.front();
-    queue.erase(queue.begin());
-    return first;
-  }
-
-  void Print(const std::string& name) {
-    const HWND window = Look(name);
+  void Print(const std::string& name) override {
+    const HWND window = Shown(name);
     if (!window) {
       std::cout << name << " visible=0" << std::endl;
       return;
@@ -471,28 +384,13 @@ class Player {
   }
 
   std::wstring program_;
-  std::vector<std::string> script_;
   std::vector<std::string> menu_lines_;
   std::map<std::string, std::vector<std::string>> trees_;
   std::set<std::string> forms_;
   HANDLE process_ = nullptr;
   DWORD number_ = 0;
-  bool ended_ = false;
   std::set<std::string> told_;
-  std::vector<std::string> answers_;
-  std::vector<std::string> menus_;
 };
-
-std::vector<std::string> Lines(const char* file) {
-  std::ifstream stream(file);
-  if (!stream) throw std::runtime_error(std::string("cannot read ") + file);
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(stream, line);) {
-    while (!line.empty() && line.back() == '\r') line.pop_back();
-    lines.push_back(line);
-  }
-  return lines;
-}
 
 }  // namespace
 }  // namespace kw::screen
@@ -503,8 +401,8 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    using kw::screen::Lines;
-    return kw::screen::Player(kw::screen::Wide(argv[1]), Lines(argv[2]), Lines(argv[3])).Play();
+    const std::vector<std::string> script = kw::screen::ReadLines(argv[2]);
+    return kw::screen::Player(kw::screen::Wide(argv[1]), script, kw::screen::ReadLines(argv[3])).Play(script);
   } catch (const std::exception& failure) {
     std::cout << "play-on-windows: " << failure.what() << std::endl;
     return 1;
