@@ -1,9 +1,12 @@
 // Packs and unpacks two corpora beside gcab and cabextract and prints the ratios. Every figure comes from one
 // run: the programs take turns, and the best of their turns counts.
 //
-// cabinet_bench [MEGABYTES] [--largest]   size of the libraries' corpus, 240 by default; the text has half of
-// it. With --largest also the largest file that a cabinet holds goes in and out, for the sake of the memory
-// it takes.
+// cabinet_bench [MEGABYTES] [--largest] [--folder FOLDER]
+//
+// MEGABYTES is the size of the libraries' corpus, 240 by default; the text has half of it. With --largest
+// also the largest file that a cabinet holds goes in and out, for the sake of the memory it takes. FOLDER is
+// where the files are written, a memory file system by default where there is one: on a disk thousands of
+// small files measure the disk.
 
 #include <sys/resource.h>
 #include <sys/utsname.h>
@@ -153,10 +156,13 @@ void Measure(const Corpus& corpus, const fs::path& work) {
   gcab.insert(gcab.end(), corpus.files.begin(), corpus.files.end());
   const std::vector<CabinetFile> files = FilesOf(corpus);
 
+  // A folder of its own for each turn, removed at the end: some file systems are slow to make files just
+  // after many were removed.
+  int folders = 0;
   const auto into_empty_folder = [&](const auto& unpack) {
-    fs::remove_all(out);
-    fs::create_directories(out);
-    return unpack();
+    const fs::path folder = out / std::to_string(++folders);
+    fs::create_directories(folder);
+    return unpack(folder.string());
   };
   Took write_ours, write_theirs, read_ours[2], read_theirs[2];
   for (int turn = 0; turn < kTurns; ++turn) {
@@ -165,10 +171,10 @@ void Measure(const Corpus& corpus, const fs::path& work) {
     write_theirs.KeepBest(RunProgram(gcab));
     for (const int i : {0, 1}) {
       const std::string& cabinet = i == 0 ? ours : theirs;
-      read_ours[i].KeepBest(
-          into_empty_folder([&] { return Measured([&] { Unpack(cabinet, out.string()); }); }));
-      read_theirs[i].KeepBest(into_empty_folder([&] {
-        return RunProgram({"cabextract", "-q", "-d", out.string(), cabinet});
+      read_ours[i].KeepBest(into_empty_folder(
+          [&](const std::string& folder) { return Measured([&] { Unpack(cabinet, folder); }); }));
+      read_theirs[i].KeepBest(into_empty_folder([&](const std::string& folder) {
+        return RunProgram({"cabextract", "-q", "-d", folder, cabinet});
       }));
     }
   }
@@ -223,21 +229,24 @@ void PackTheLargest(const fs::path& work) {
 int main(int argc, char** argv) {
   uint64_t megabytes = 240;
   bool largest = false;
+  fs::path folder = fs::is_directory("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
   for (int i = 1; i < argc; ++i) {
     if (std::string_view(argv[i]) == "--largest") {
       largest = true;
+    } else if (std::string_view(argv[i]) == "--folder" && i + 1 < argc) {
+      folder = argv[++i];
     } else {
       megabytes = std::strtoull(argv[i], nullptr, 10);
     }
   }
   const uint64_t most = megabytes * 1000000;
-  const fs::path work = fs::temp_directory_path() / "kw_cabinet_bench";
+  const fs::path work = folder / "kw_cabinet_bench";
   fs::remove_all(work);
   fs::create_directories(work);
   utsname system{};
   uname(&system);
-  std::printf("%s %s %s, %u processors; best of %d turns\n", system.sysname, system.release, system.machine,
-              std::thread::hardware_concurrency(), kTurns);
+  std::printf("%s %s %s, %u processors; best of %d turns, in %s\n", system.sysname, system.release,
+              system.machine, std::thread::hardware_concurrency(), kTurns, work.c_str());
   std::fflush(stdout);
   Measure(Collect("libraries", {"/usr/lib"}, {".so"}, most), work);
   Measure(Collect("text", {"/usr/share/doc", "/usr/include", "/usr/share/perl", "/usr/lib/python3"},

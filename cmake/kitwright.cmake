@@ -78,6 +78,11 @@ function(kitwright_tests name)
     return()
   endif()
   add_executable(${name} ${sources} ${ARG_EXTRA})
+  # Compiling them takes far longer than running them.
+  target_compile_options(${name} PRIVATE -O0)
+  if(WIN32)
+    target_compile_options(${name} PRIVATE -Wa,-mbig-obj)  # more sections than the old format of object files holds
+  endif()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} GTest::gmock_main GTest::gtest)
   target_compile_definitions(${name} PRIVATE KITWRIGHT_SOURCE_DIR="${PROJECT_SOURCE_DIR}"

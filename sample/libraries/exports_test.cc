@@ -40,7 +40,7 @@ class Library {
   Library& operator=(const Library&) = delete;
 
   template <typename Call>
-  Call* Get(Call*, const char* name) {
+  Call* Get(const char* name) {
     return handle_ != nullptr ? reinterpret_cast<Call*>(dlsym(handle_, name)) : nullptr;
   }
 
@@ -48,7 +48,7 @@ class Library {
   void* handle_;
 };
 
-#define CALL(library, name) (library.Get(&::name, #name))
+#define CALL(library, name) (library.Get<decltype(::name)>(#name))
 
 class LibrariesTest : public ::testing::Test {
  protected:
