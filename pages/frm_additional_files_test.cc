@@ -13,9 +13,9 @@ using testing::FakeCommand;
 using testing::FileOperation;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using testing::OpenPackageFixture;
+using testing::PageFixture;
 
-struct AdditionalFilesTest : OpenPackageFixture, ::testing::Test {
+struct AdditionalFilesTest : PageFixture<frmAdditionalFiles>, ::testing::Test {
   AdditionalFilesTest() {
     machine.files.AddFile("C:\\Files\\notes.txt", "notes");
     machine.files.AddFile("C:\\Files\\big.bin", std::string(40000, 'x'));
@@ -28,12 +28,7 @@ struct AdditionalFilesTest : OpenPackageFixture, ::testing::Test {
         "'TARGETDIR', "
         "'WINDIR|Windows')");
   }
-  frmAdditionalFiles& page() { return table.Get<frmAdditionalFiles>(); }
   frmAdditionalFile& dialog() { return table.Get<frmAdditionalFile>(); }
-  frmAdditionalFiles& Open() {
-    page().ReadConfig();
-    return Show<frmAdditionalFiles>("Additional Files");
-  }
   void Fill(const std::string& path, const std::string& folder, const std::string& subfolders) {
     host.modals.push_back([this, path, folder, subfolders](ui::Form&) {
       if (dialog().SourceFile.Enabled()) dialog().SourceFile.UserType(path);

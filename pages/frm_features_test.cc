@@ -9,9 +9,9 @@ using testing::Answer;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::Not;
-using testing::OpenPackageFixture;
+using testing::PageFixture;
 
-struct FeaturesTest : OpenPackageFixture, ::testing::Test {
+struct FeaturesTest : PageFixture<frmFeatures>, ::testing::Test {
   FeaturesTest() {
     AddFeature("EmailScan", "Console", "E-mail", 20, 1);
     AddFeature("OnAccessScanner", "Console", "On-access", 10, 1);
@@ -28,17 +28,12 @@ struct FeaturesTest : OpenPackageFixture, ::testing::Test {
         key + "', '" + parent + "', '" + title + "', " + std::to_string(display) + ", " +
         std::to_string(level) + ", 0)");
   }
-  frmFeatures& Open() {
-    table.Get<frmFeatures>().ReadConfig();
-    return Show<frmFeatures>("Features");
-  }
   /// Clicks a feature and chooses a command.
   void Choose(const std::string& key, const std::string& command) {
     ui::Tree& tree = page().treFeatures;
     host.menu_choices.push_back(command);
     tree.UserClickNode(tree.Find(key), ui::MouseButton::kLeft);
   }
-  frmFeatures& page() { return table.Get<frmFeatures>(); }
   std::vector<std::string> Items() {
     std::vector<std::string> items;
     const ui::Tree& tree = page().treFeatures;

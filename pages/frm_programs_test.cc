@@ -12,9 +12,9 @@ using ::testing::ElementsAre;
 using testing::FileOperation;
 using ::testing::IsEmpty;
 using ::testing::Not;
-using testing::OpenPackageFixture;
+using testing::PageFixture;
 
-struct ProgramsTest : OpenPackageFixture, ::testing::Test {
+struct ProgramsTest : PageFixture<frmPrograms>, ::testing::Test {
   ProgramsTest() {
     machine.files.AddFile("C:\\Tools\\first.exe", "first");
     machine.files.AddFile("C:\\Tools\\second.COM", "second");
@@ -22,11 +22,6 @@ struct ProgramsTest : OpenPackageFixture, ::testing::Test {
     machine.files.AddFile("C:\\Tools\\notes.txt", "notes");
     machine.files.AddFile("C:\\Tools\\empty.exe", "");
   }
-  frmPrograms& Open() {
-    page().ReadConfig();
-    return Show<frmPrograms>("Programs");
-  }
-  frmPrograms& page() { return table.Get<frmPrograms>(); }
   /// Fills the dialog and presses OK, or Cancel when OK was refused.
   void OnDialog(const std::string& path, const std::string& arguments, std::vector<Answer> answers = {}) {
     host.modals.push_back([this, path, arguments, answers](ui::Form& form) {

@@ -18,14 +18,6 @@ using platform::Hive;
 using platform::testing::FakeCommand;
 using platform::testing::FileOperation;
 
-/// A form with a list, for what pages add to the review list.
-struct ReviewListForm : ui::Form {
-  explicit ReviewListForm(ui::FormHost& form_host)
-      : Form(form_host, "frmReviewList", "", ui::FormStyle::kDialog), list(*this, "List1") {}
-  ui::ListBox list;
-  ui::Layout ContentLayout() override { return ui::Place(list); }
-};
-
 /// The whole wizard in package mode with a working package open, as the source page leaves it but for the
 /// pages' ReadConfig.
 struct OpenPackageFixture : ShellFixture {
@@ -95,12 +87,12 @@ struct OpenPackageFixture : ShellFixture {
   }
   std::string Property(const std::string& name) { return Db().GetProperty(name).value_or("(failed)"); }
 
-  template <typename T>
-  std::vector<std::string> Choices() {
-    ReviewListForm form(host);
-    table.Get<T>().AddChoices(form.list);
-    return form.list.Items();
+  std::string SetupIni() { return machine.files.Content(run.WorkingSetupIniPath); }
+  /// Makes a Setup.ini of these lines of its section Startup.
+  void WriteStartup(const std::string& lines) {
+    machine.files.AddFile(run.WorkingSetupIniPath, "[Startup]\r\n" + lines);
   }
+
   /// Goes to a page from the first one.
   template <typename T>
   T& Show(const std::string& caption) {
@@ -109,11 +101,21 @@ struct OpenPackageFixture : ShellFixture {
     Take();
     return table.Get<T>();
   }
-  /// What happened, without calls of the closed libraries.
-  std::vector<std::string> Steps() {
-    std::vector<std::string> lines = Take();
-    std::erase_if(lines, [](const std::string& line) { return line.starts_with("call "); });
-    return lines;
+};
+
+/// The same for the tests of one page.
+template <typename T>
+struct PageFixture : OpenPackageFixture {
+  T& page() { return table.Get<T>(); }
+  /// Reads the package into the page and goes there.
+  T& Open() {
+    page().ReadConfig();
+    return Show<T>(page().Caption());
+  }
+  /// Presses Next and gives what happened but for calls of the closed libraries.
+  std::vector<std::string> Next() {
+    page().Next->UserClick();
+    return Steps();
   }
 };
 

@@ -12,22 +12,9 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using testing::Hive;
-using testing::OpenPackageFixture;
+using testing::PageFixture;
 
-struct OptionPagesTest : OpenPackageFixture, ::testing::Test {
-  std::string Ini() { return machine.files.Content(run.WorkingSetupIniPath); }
-  void WriteIni(const std::string& text) {
-    machine.files.AddFile(run.WorkingSetupIniPath, "[Startup]\r\n" + text);
-  }
-};
-
-struct AddRemoveOptionsTest : OptionPagesTest {
-  frmAddRemoveOptions& page() { return table.Get<frmAddRemoveOptions>(); }
-  frmAddRemoveOptions& Open() {
-    page().ReadConfig();
-    return Show<frmAddRemoveOptions>("Add/Remove Options");
-  }
-};
+struct AddRemoveOptionsTest : PageFixture<frmAddRemoveOptions>, ::testing::Test {};
 
 TEST_F(AddRemoveOptionsTest, FieldsTravelAsProperties) {
   Sql("insert into `Property` (`Property`, `Value`) values ('ARPCONTACT', 'Helpdesk')");
@@ -143,13 +130,7 @@ TEST_F(AddRemoveOptionsTest, AnotherSystemComponentValueReadsAsShownAndIsLost) {
   EXPECT_EQ(Property("ARPSYSTEMCOMPONENT"), "");
 }
 
-struct InstallOptionsTest : OptionPagesTest {
-  frmInstallOptions& page() { return table.Get<frmInstallOptions>(); }
-  frmInstallOptions& Open() {
-    page().ReadConfig();
-    return Show<frmInstallOptions>("Installation Options");
-  }
-};
+struct InstallOptionsTest : PageFixture<frmInstallOptions>, ::testing::Test {};
 
 TEST_F(InstallOptionsTest, MissingKeysReadAsTheirDefaults) {
   Open();
@@ -180,8 +161,8 @@ TEST_F(InstallOptionsTest, ACustomFolderIsCheckedAndStored) {
   page().PreserveSettings.UserClick();
   page().Next->UserClick();
   EXPECT_EQ(Property("INSTALLDIR"), "D:\\Kestrane");
-  EXPECT_THAT(Ini(), HasSubstr("bSilent=1\r\n"));
-  EXPECT_THAT(Ini(), HasSubstr("bPreserveSettings=0\r\n"));
+  EXPECT_THAT(SetupIni(), HasSubstr("bSilent=1\r\n"));
+  EXPECT_THAT(SetupIni(), HasSubstr("bPreserveSettings=0\r\n"));
   EXPECT_THAT(Choices<frmInstallOptions>(),
               ElementsAre("\tCustom installation folder: D:\\Kestrane", "\tInstall product silently: Yes",
                           "\tPreserve settings: No", ""));
@@ -196,7 +177,7 @@ TEST_F(InstallOptionsTest, ForbiddenSignsInTheFolderAreToldAndNothingIsWritten) 
   EXPECT_THAT(Take(), ElementsAre(::testing::StartsWith("message Installation folder is not valid."),
                                   "focus frmInstallOptions.InstallDirectory"));
   EXPECT_EQ(Property("INSTALLDIR"), "D:\\Old");
-  EXPECT_THAT(Ini(), ::testing::Not(HasSubstr("bSilent")));
+  EXPECT_THAT(SetupIni(), ::testing::Not(HasSubstr("bSilent")));
 }
 
 TEST_F(InstallOptionsTest, AFolderThatDoesNotExistHereIsTaken) {
@@ -217,7 +198,7 @@ TEST_F(InstallOptionsTest, AnIniFileThatCannotBeWrittenKeepsThePage) {
 
 TEST_F(InstallOptionsTest, TheDefaultFolderRemovesAnEarlierRow) {
   Sql("insert into `Property` (`Property`, `Value`) values ('INSTALLDIR', 'D:\\Old')");
-  WriteIni("bSilent=1\r\n");
+  WriteStartup("bSilent=1\r\n");
   Open();
   EXPECT_TRUE(page().SpecifyCustomDirectory.Value());
   EXPECT_EQ(page().InstallDirectory.Text(), "D:\\Old");
@@ -240,13 +221,7 @@ TEST_F(InstallOptionsTest, BrowseStartsAtTheTextOrAtThePresentFolder) {
   EXPECT_EQ(page().InstallDirectory.Text(), "D:\\Picked");
 }
 
-struct PostInstallOptionsTest : OptionPagesTest {
-  frmPostInstallOptions& page() { return table.Get<frmPostInstallOptions>(); }
-  frmPostInstallOptions& Open() {
-    page().ReadConfig();
-    return Show<frmPostInstallOptions>("Post-Installation Options");
-  }
-};
+struct PostInstallOptionsTest : PageFixture<frmPostInstallOptions>, ::testing::Test {};
 
 TEST_F(PostInstallOptionsTest, OnlyDefinedTicksASwitch) {
   Sql("insert into `Property` (`Property`, `Value`) values ('RUNAUTOUPDATE', 'defined')");
@@ -261,11 +236,11 @@ TEST_F(PostInstallOptionsTest, OnlyDefinedTicksASwitch) {
   EXPECT_EQ(Property("ENABLEONACCESSSCANNER"), "defined");
   EXPECT_EQ(Property("RUNAUTOUPDATE"), "");
   EXPECT_EQ(Property("RUNONDEMANDSCAN"), "");
-  EXPECT_THAT(Ini(), HasSubstr("bRebootAlways=1\r\n"));
+  EXPECT_THAT(SetupIni(), HasSubstr("bRebootAlways=1\r\n"));
 }
 
 TEST_F(PostInstallOptionsTest, TheKeysOfTheIniFileAreReadBack) {
-  WriteIni("bRebootAlways=1\r\nszRebootMessage=Please wait\r\n");
+  WriteStartup("bRebootAlways=1\r\nszRebootMessage=Please wait\r\n");
   Open();
   EXPECT_TRUE(page().ForceReboot.Checked());
   EXPECT_TRUE(page().DisplayMessage.Checked());
@@ -274,8 +249,8 @@ TEST_F(PostInstallOptionsTest, TheKeysOfTheIniFileAreReadBack) {
   page().ForceReboot.UserClick();
   page().RebootMessage.UserType("");
   page().Next->UserClick();
-  EXPECT_THAT(Ini(), HasSubstr("bRebootAlways=0\r\n"));
-  EXPECT_THAT(Ini(), HasSubstr("szRebootMessage=\r\n"));
+  EXPECT_THAT(SetupIni(), HasSubstr("bRebootAlways=0\r\n"));
+  EXPECT_THAT(SetupIni(), HasSubstr("szRebootMessage=\r\n"));
   page().ReadConfig();
   EXPECT_FALSE(page().DisplayMessage.Checked());
   EXPECT_FALSE(page().RebootMessage.Enabled());
@@ -304,7 +279,7 @@ TEST_F(PostInstallOptionsTest, AMessageThatIsOnlyUntickedIsStillStoredAndComesBa
   page().DisplayMessage.UserClick();
   EXPECT_EQ(page().RebootMessage.Back(), ui::BackColor::kFace);
   page().Next->UserClick();
-  EXPECT_THAT(Ini(), HasSubstr("szRebootMessage=Save your work\r\n"));
+  EXPECT_THAT(SetupIni(), HasSubstr("szRebootMessage=Save your work\r\n"));
   page().ReadConfig();
   EXPECT_TRUE(page().DisplayMessage.Checked());
   EXPECT_TRUE(page().RebootMessage.Enabled());

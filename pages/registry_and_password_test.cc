@@ -9,22 +9,17 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using testing::Hive;
 using ::testing::Not;
-using testing::OpenPackageFixture;
+using testing::PageFixture;
 
 constexpr const char* kNotAgain =
     "message This file name cannot be changed because it was previously added to the installation package.  "
     "You may "
     "continue with this file as it is or choose a completely new file.";
 
-struct RegistrySettingsTest : OpenPackageFixture, ::testing::Test {
+struct RegistrySettingsTest : PageFixture<frmRegistrySettings>, ::testing::Test {
   RegistrySettingsTest() {
     machine.files.AddFile("C:\\Files\\extra.REG", "REGEDIT4");
     machine.files.AddFile("C:\\Files\\notes.txt", "x");
-  }
-  frmRegistrySettings& page() { return table.Get<frmRegistrySettings>(); }
-  frmRegistrySettings& Open() {
-    page().ReadConfig();
-    return Show<frmRegistrySettings>("Registry Settings");
   }
   void AddSourceFile(const std::string& name, const std::string& bytes = "enciphered:REGEDIT4") {
     machine.files.AddFile(run.ConfigAppDataFolder + "\\" + name, bytes);
@@ -180,9 +175,7 @@ TEST_F(RegistrySettingsTest, FilesOfTheSystemsAreNamedInTheReviewInTheirOrder) {
                           "\tREG file (used for Windows XP operating systems): C:\\Files\\extra.REG", ""));
 }
 
-struct PasswordTest : OpenPackageFixture, ::testing::Test {
-  frmZEDPassword& page() { return table.Get<frmZEDPassword>(); }
-  frmZEDPassword& Open() { return Show<frmZEDPassword>("Kitwright Password"); }
+struct PasswordTest : PageFixture<frmZEDPassword>, ::testing::Test {
   platform::RegistryValue Stored(const char* name) {
     return machine.registry.Get(Hive::kCurrentUser, "SOFTWARE\\Orvantic\\ZED", name);
   }

@@ -12,8 +12,8 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using testing::FileOperation;
 using ::testing::IsEmpty;
-using testing::OpenPackageFixture;
 using testing::PackageWriter;
+using testing::PageFixture;
 
 constexpr const char* kCode = "{71014215-9627-11D4-B865-00508B022A51}";
 constexpr const char* kCarried = "C:\\Source\\BCN\\BCN470.msi";
@@ -52,7 +52,7 @@ TEST(EncodePassword, CharactersBeyondAsciiGoByTheirEightBitCodes) {
   EXPECT_EQ(EncodePassword(stored, 1252), clear);
 }
 
-struct BeaconryServerTest : OpenPackageFixture, ::testing::Test {
+struct BeaconryServerTest : PageFixture<frmBeaconryServer>, ::testing::Test {
   BeaconryServerTest() {
     WriteNested("C:\\Beaconry");
     for (const char* name : {"BCN470.OVP", "Readme.txt", "PkgCatalog.z", "pkgcatalog.zip", "BCN"})
@@ -70,13 +70,7 @@ struct BeaconryServerTest : OpenPackageFixture, ::testing::Test {
   void CarryNested(std::map<std::string, std::string> properties = {},
                    const std::string& location = "\\BCN") {
     WriteNested("C:\\Source\\BCN", std::move(properties));
-    machine.files.AddFile(run.WorkingSetupIniPath,
-                          "[Startup]\r\nProduct=K\r\nszBeaconryLocation=" + location + "\r\n");
-  }
-  frmBeaconryServer& page() { return table.Get<frmBeaconryServer>(); }
-  frmBeaconryServer& Open() {
-    page().ReadConfig();
-    return Show<frmBeaconryServer>("Beaconry Installation");
+    WriteStartup("Product=K\r\nszBeaconryLocation=" + location + "\r\n");
   }
   /// Opens the page and chooses the package at "C:\Beaconry".
   void Choose() {
@@ -84,10 +78,6 @@ struct BeaconryServerTest : OpenPackageFixture, ::testing::Test {
     page().InstallBeaconry.UserClick();
     page().SourceDir.UserType("C:\\Beaconry");
     Take();
-  }
-  std::vector<std::string> Next() {
-    page().Next->UserClick();
-    return Steps();
   }
   InstallerDb Nested() { return InstallerDb::Beaconry(machine.services, run); }
   std::string NestedProperty(const std::string& name) {
@@ -119,7 +109,6 @@ struct BeaconryServerTest : OpenPackageFixture, ::testing::Test {
     }
     return names;
   }
-  std::string Startup() { return machine.files.Content(run.WorkingSetupIniPath); }
 };
 
 TEST_F(BeaconryServerTest, APackageWithoutTheServerLeavesThePageOff) {
@@ -202,7 +191,7 @@ TEST_F(BeaconryServerTest, AServerThatIsSuppressedOrNotNamedIsNoneOfThePackage) 
 }
 
 TEST_F(BeaconryServerTest, ANamedServerThatIsMissingStopsWithoutAWord) {
-  machine.files.AddFile(run.WorkingSetupIniPath, "[Startup]\r\nszBeaconryLocation=\\BCN\r\n");
+  WriteStartup("szBeaconryLocation=\\BCN\r\n");
   page().ReadConfig();
   EXPECT_THAT(Steps(), IsEmpty());
   EXPECT_FALSE(page().InstallBeaconry.Checked());
@@ -369,7 +358,7 @@ TEST_F(BeaconryServerTest, SavingWritesBothPackagesAndCopiesTheFolderButForItsCa
   page().SourceDir.UserType("C:\\Beaconry\\");
   Next();
   ASSERT_TRUE(page().SaveConfig());
-  EXPECT_EQ(Startup(), "[Startup]\r\nProduct=Kestrane\r\nszBeaconryLocation=\\BCN\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\nProduct=Kestrane\r\nszBeaconryLocation=\\BCN\r\n");
   EXPECT_EQ(Property("SUPPRESSBCSINSTALL"), "");
   EXPECT_EQ(Property("FORCEBCSINSTALL"), "TRUE");
   // "BCN" is skipped too, since a copied file's name begins so; what lies in folders stays behind.
@@ -440,7 +429,7 @@ TEST_F(BeaconryServerTest, AnUncheckedServerIsClearedFromThePackage) {
   page().InstallBeaconry.UserClick();
   Next();
   ASSERT_TRUE(page().SaveConfig());
-  EXPECT_EQ(Startup(), "[Startup]\r\nProduct=K\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\nProduct=K\r\n");
   EXPECT_EQ(Property("SUPPRESSBCSINSTALL"), "TRUE");
   EXPECT_EQ(Property("FORCEBCSINSTALL"), "");
   EXPECT_FALSE(run.BeaconryFileList);

@@ -11,7 +11,7 @@ using ::testing::ElementsAre;
 using testing::FileOperation;
 using testing::Hive;
 using ::testing::IsEmpty;
-using testing::OpenPackageFixture;
+using testing::PageFixture;
 using Arguments = platform::testing::FakeClosedLibraries::Arguments;
 
 constexpr const char* kAgentKey = "SOFTWARE\\Orvantic\\RDX\\Shared Components\\AgentCore";
@@ -43,7 +43,7 @@ std::string Agent() {
   return formats::MakePeFile(false, formats::MakeVersionResource(version));
 }
 
-struct CommonUpdaterTest : OpenPackageFixture, ::testing::Test {
+struct CommonUpdaterTest : PageFixture<frmCommonUpdater>, ::testing::Test {
   CommonUpdaterTest() {
     machine.registry.SetText(Hive::kLocalMachine, kAgentKey, "Data Path", "C:\\Agent Data");
     machine.registry.SetText(Hive::kLocalMachine, kAgentKey, "Installed Path", "C:\\Agent");
@@ -58,7 +58,6 @@ struct CommonUpdaterTest : OpenPackageFixture, ::testing::Test {
     run.SettingsFromFile = true;
     run.ProductInstallDir = "C:\\Product";
   }
-  frmCommonUpdater& page() { return table.Get<frmCommonUpdater>(); }
   frmCommonUpdater& Open() {
     page().ReadConfig();
     page().ReadPackageAgent();

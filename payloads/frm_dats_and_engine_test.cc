@@ -12,7 +12,7 @@ using ::testing::ElementsAre;
 using testing::FileOperation;
 using ::testing::IsEmpty;
 using ::testing::Not;
-using testing::OpenPackageFixture;
+using testing::PageFixture;
 using Arguments = platform::testing::FakeClosedLibraries::Arguments;
 
 constexpr const char* kDatFolder = "C:\\Temp\\run\\DATZipData";
@@ -27,7 +27,7 @@ std::string EngineFile(bool with_version = true) {
   return formats::MakePeFile(false, with_version ? formats::MakeVersionResource(version) : "");
 }
 
-struct DatsAndEngineTest : OpenPackageFixture, ::testing::Test {
+struct DatsAndEngineTest : PageFixture<frmDATsAndEngine>, ::testing::Test {
   DatsAndEngineTest() {
     for (const char* name : {"dat.zip", "engine.zip"})
       machine.files.AddFile(std::string("C:\\Payloads\\") + name, "archive");
@@ -49,14 +49,9 @@ struct DatsAndEngineTest : OpenPackageFixture, ::testing::Test {
   /// A package of level 7.0.0, whose files and versions lie beside the database.
   void UseLevel700() {
     run.PackageIs700 = true;
-    machine.files.AddFile(run.WorkingSetupIniPath,
-                          "[Startup]\r\nProduct=Kestrane\r\n[Dat]\r\nDATDate=11/07/2001\r\n"
-                          "DATVersion=4.0.4155\r\n[Engine]\r\nEngineVersion=4.1.500\r\n");
-  }
-  frmDATsAndEngine& page() { return table.Get<frmDATsAndEngine>(); }
-  frmDATsAndEngine& Open() {
-    page().ReadConfig();
-    return Show<frmDATsAndEngine>("DAT and Engine Files");
+    WriteStartup(
+        "Product=Kestrane\r\n[Dat]\r\nDATDate=11/07/2001\r\n"
+        "DATVersion=4.0.4155\r\n[Engine]\r\nEngineVersion=4.1.500\r\n");
   }
   void Choose(const std::string& dat, const std::string& engine) {
     Open();
@@ -70,10 +65,6 @@ struct DatsAndEngineTest : OpenPackageFixture, ::testing::Test {
       page().EnginePath.UserType(engine);
     }
     Take();
-  }
-  std::vector<std::string> Next() {
-    page().Next->UserClick();
-    return Steps();
   }
   bool OnPage() { return page().Visible(); }
   std::vector<std::string> States() {

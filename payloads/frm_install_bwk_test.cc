@@ -12,7 +12,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using testing::FileOperation;
 using ::testing::IsEmpty;
-using testing::OpenPackageFixture;
+using testing::PageFixture;
 using Arguments = platform::testing::FakeClosedLibraries::Arguments;
 
 constexpr const char* kData = "C:\\Temp\\run\\BWKData";
@@ -22,7 +22,7 @@ const std::string kReplacePrefs =
     "question This installation package contains another set of Tamrix Bulwark configuration. Click OK to "
     "replace your changes with these settings, or Cancel to keep your changes. [OK|Cancel] default=OK -> ";
 
-struct InstallBwkTest : OpenPackageFixture, ::testing::Test {
+struct InstallBwkTest : PageFixture<frmInstallBWK>, ::testing::Test {
   InstallBwkTest() {
     for (const char* name : {"Bulwark8.exe", "Other.exe"})
       machine.files.AddFile(std::string("C:\\Bulwark\\") + name, std::string("installer ") + name);
@@ -34,15 +34,10 @@ struct InstallBwkTest : OpenPackageFixture, ::testing::Test {
       machine.files.AddFile(arguments[0], "rewritten");
     });
   }
-  frmInstallBWK& page() { return table.Get<frmInstallBWK>(); }
-  frmInstallBWK& Open() {
-    page().ReadConfig();
-    return Show<frmInstallBWK>("Tamrix Bulwark");
-  }
   /// The source carries the firewall, which its Setup.ini names.
   void CarryFirewall(const std::string& location = "\\BWK") {
     machine.files.AddFile("C:\\Source\\BWK\\Bulwark.EXE", "packed installer");
-    machine.files.AddFile(run.WorkingSetupIniPath, "[Startup]\r\nszBWKLocation=" + location + "\r\n");
+    WriteStartup("szBWKLocation=" + location + "\r\n");
   }
   /// Opens the page and chooses the installer.
   void Choose(const std::string& path = "C:\\Bulwark\\Bulwark8.exe") {
@@ -51,11 +46,6 @@ struct InstallBwkTest : OpenPackageFixture, ::testing::Test {
     page().SourcePath.UserType(path);
     Take();
   }
-  std::vector<std::string> Next() {
-    page().Next->UserClick();
-    return Steps();
-  }
-  std::string Startup() { return machine.files.Content(run.WorkingSetupIniPath); }
   std::string Saved() { return machine.files.Content("C:\\Out\\BWK\\Bulwark.EXE"); }
   void Dialog(std::function<void(frmConfigureBWK&)> act) {
     host.modals.push_back([act](ui::Form& form) { act(dynamic_cast<frmConfigureBWK&>(form)); });
@@ -266,7 +256,7 @@ TEST_F(InstallBwkTest, WithNothingChangedTheInstallerIsCopiedByteForByte) {
   EXPECT_THAT(made, IsEmpty());
   EXPECT_EQ(Saved(), "installer Bulwark8.exe");
   EXPECT_TRUE(run.BulwarkIncluded);
-  EXPECT_EQ(Startup(), "[Startup]\r\nProduct=Kestrane\r\nszBWKLocation=\\BWK\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\nProduct=Kestrane\r\nszBWKLocation=\\BWK\r\n");
   EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("BWK\\Bulwark.EXE"));
 }
 
@@ -381,7 +371,7 @@ TEST_F(InstallBwkTest, ASetupIniThatCannotBeWrittenFailsTheStepWithoutAWord) {
   Next();
   machine.files.FailAlways(FileOperation::kWriteFile, run.WorkingSetupIniPath, kErrorDiskFull);
   EXPECT_FALSE(page().SaveConfig());
-  machine.files.AddFile(run.WorkingSetupIniPath, "[Startup]\r\nszBWKLocation=\\BWK\r\n");
+  WriteStartup("szBWKLocation=\\BWK\r\n");
   page().InstallBWK.SetChecked(false);
   EXPECT_FALSE(page().SaveConfig());
   EXPECT_THAT(Steps(), IsEmpty());
@@ -413,7 +403,7 @@ TEST_F(InstallBwkTest, AnUncheckedFirewallIsTakenOutOfSetupIni) {
   page().InstallBWK.UserClick();
   Next();
   ASSERT_TRUE(page().SaveConfig());
-  EXPECT_EQ(Startup(), "[Startup]\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\n");
   EXPECT_THAT(machine.files.Tree("C:\\Out"), IsEmpty());
   EXPECT_FALSE(run.BulwarkIncluded);
 }

@@ -10,7 +10,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using testing::FileOperation;
 using ::testing::IsEmpty;
-using testing::OpenPackageFixture;
+using testing::PageFixture;
 
 const std::string kDialog = "file-dialog Select Patch File to Install | Patch Files (*.msp)|*.msp | ";
 const std::string kNoPatch =
@@ -21,14 +21,13 @@ const std::string kDuplicate =
     "return "
     "to the wizard.";
 
-struct PatchFilesTest : OpenPackageFixture, ::testing::Test {
+struct PatchFilesTest : PageFixture<frmPatchFiles>, ::testing::Test {
   PatchFilesTest() {
     for (const char* name : {"C:\\P\\one.msp", "C:\\P\\two.msp", "C:\\P\\three.msp", "C:\\Q\\ONE.MSP"})
       machine.files.AddFile(name, name);
   }
-  frmPatchFiles& page() { return table.Get<frmPatchFiles>(); }
   frmPatchFiles& Open(const std::string& startup = "") {
-    machine.files.AddFile(run.WorkingSetupIniPath, "[Startup]\r\n" + startup);
+    WriteStartup(startup);
     page().ReadConfig();
     return page();
   }
@@ -47,7 +46,6 @@ struct PatchFilesTest : OpenPackageFixture, ::testing::Test {
     Open();
     for (const char* name : {"C:\\P\\one.msp", "C:\\P\\two.msp", "C:\\P\\three.msp"}) Add({name});
   }
-  std::string Startup() { return machine.files.Content(run.WorkingSetupIniPath); }
 };
 
 TEST_F(PatchFilesTest, WithoutPatchesOnlyAddIsOffered) {
@@ -60,7 +58,7 @@ TEST_F(PatchFilesTest, WithoutPatchesOnlyAddIsOffered) {
       ElementsAre("\tThe following patch files should be added to the installation package: None", ""));
   EXPECT_TRUE(machine.files.FolderExists("C:\\Temp\\run\\Patches"));
   ASSERT_TRUE(page().SaveConfig());
-  EXPECT_EQ(Startup(), "[Startup]\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\n");
   EXPECT_FALSE(run.DestinationFileList);
 }
 
@@ -72,7 +70,7 @@ TEST_F(PatchFilesTest, PatchesOfThePackageKeepTheirSpellingAndLeaveItsIniFile) {
   EXPECT_EQ(page().PatchFiles.Selected(), 1);
   EXPECT_TRUE(page().Edit.Enabled());
   EXPECT_TRUE(page().Delete.Enabled());
-  EXPECT_EQ(Startup(), "[Startup]\r\nProduct=K\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\nProduct=K\r\n");
   // A file of the same path from the dialog is no duplicate of it, since that comes in upper case.
   EXPECT_THAT(Add({"C:\\Source\\Fix1.msp"}), ElementsAre(kDialog + " -> C:\\Source\\Fix1.msp"));
   EXPECT_EQ(page().PatchFiles.Count(), 3);
@@ -83,7 +81,7 @@ TEST_F(PatchFilesTest, ReadingStopsAtTheFirstGap) {
   machine.files.AddFile("C:\\Source\\Fix3.msp", "3");
   Open("PatchFile0=Fix1.msp\r\nPatchFile2=Fix3.msp\r\n");
   EXPECT_THAT(page().PatchFiles.Items(), ElementsAre("C:\\Source\\Fix1.msp"));
-  EXPECT_EQ(Startup(), "[Startup]\r\nPatchFile2=Fix3.msp\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\nPatchFile2=Fix3.msp\r\n");
 }
 
 TEST_F(PatchFilesTest, APatchThatIsMissingFromTheSourceIsToldAndDropped) {
@@ -95,7 +93,7 @@ TEST_F(PatchFilesTest, APatchThatIsMissingFromTheSourceIsToldAndDropped) {
                           "the Patch page."));
   EXPECT_THAT(page().PatchFiles.Items(), ElementsAre("C:\\Source\\Fix2.msp"));
   ASSERT_TRUE(page().SaveConfig());
-  EXPECT_EQ(Startup(), "[Startup]\r\nPatchFile0=Fix2.msp\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\nPatchFile0=Fix2.msp\r\n");
 }
 
 TEST_F(PatchFilesTest, ASecondSourcesPatchesAreAppended) {
@@ -194,7 +192,7 @@ TEST_F(PatchFilesTest, SavingNumbersTheListWithoutGaps) {
   machine.dialogs.answers = {Answer::kOk};
   page().Delete.UserClick();
   ASSERT_TRUE(page().SaveConfig());
-  EXPECT_EQ(Startup(), "[Startup]\r\nPatchFile0=TWO.MSP\r\nPatchFile1=THREE.MSP\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\nPatchFile0=TWO.MSP\r\nPatchFile1=THREE.MSP\r\n");
   EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("THREE.MSP", "TWO.MSP"));
   EXPECT_THAT(*run.DestinationFileList, ElementsAre("TWO.MSP", "THREE.MSP"));
 }
@@ -205,7 +203,7 @@ TEST_F(PatchFilesTest, OfTwoPatchesOfOneNameTheLaterLiesInTheDestination) {
   Add({"C:\\Q\\ONE.MSP"});
   ASSERT_TRUE(page().SaveConfig());
   EXPECT_EQ(machine.files.Content("C:\\Out\\ONE.MSP"), "C:\\Q\\ONE.MSP");
-  EXPECT_EQ(Startup(), "[Startup]\r\nPatchFile0=ONE.MSP\r\nPatchFile1=ONE.MSP\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\nPatchFile0=ONE.MSP\r\nPatchFile1=ONE.MSP\r\n");
 }
 
 TEST_F(PatchFilesTest, ACopyThatIsGivenUpStopsTheStepAndKeepsTheKeysBeforeIt) {
@@ -213,7 +211,7 @@ TEST_F(PatchFilesTest, ACopyThatIsGivenUpStopsTheStepAndKeepsTheKeysBeforeIt) {
   machine.files.FailAlways(FileOperation::kCopyFile, "C:\\Out\\TWO.MSP", kErrorDiskFull);
   machine.dialogs.answers = {Answer::kCancel};
   EXPECT_FALSE(page().SaveConfig());
-  EXPECT_EQ(Startup(), "[Startup]\r\nPatchFile0=ONE.MSP\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\nPatchFile0=ONE.MSP\r\n");
   EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("ONE.MSP"));
 }
 
@@ -249,7 +247,7 @@ TEST_F(PatchFilesTest, EveryWayOutIsOpenAndWritesNothing) {
   Show<frmPatchFiles>("Patch Files");
   ClickNode("frmPatchFiles", "Features");
   EXPECT_FALSE(page().Visible());
-  EXPECT_EQ(Startup(), "[Startup]\r\n");
+  EXPECT_EQ(SetupIni(), "[Startup]\r\n");
   EXPECT_THAT(machine.files.Tree("C:\\Out"), IsEmpty());
 }
 

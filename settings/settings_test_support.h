@@ -18,14 +18,6 @@ using platform::Hive;
 using platform::RegistryValue;
 using platform::testing::FakeCommand;
 
-/// A form with a list, for what pages add to the review list.
-struct ChoicesForm : ui::Form {
-  explicit ChoicesForm(ui::FormHost& host)
-      : Form(host, "frmChoices", "", ui::FormStyle::kDialog), list(*this, "List1") {}
-  ui::ListBox list;
-  ui::Layout ContentLayout() override { return ui::Place(list); }
-};
-
 /// The whole wizard in settings-file mode with the live system as its source, its folders made.
 struct SettingsFixture : ShellFixture {
   SettingsFixture() {
@@ -58,14 +50,6 @@ struct SettingsFixture : ShellFixture {
     machine.registry.SetDword(Hive::kCurrentUser, Staging(below), name, number);
   }
 
-  /// Lines that a page adds to the review list.
-  template <typename T>
-  std::vector<std::string> Choices() {
-    ChoicesForm form(host);
-    ui::ListBox& list = form.list;
-    table.Get<T>().AddChoices(list);
-    return list.Items();
-  }
   /// Shows a page as the current one.
   template <typename T>
   T& Show() {

@@ -9,7 +9,7 @@
 #include "payloads/frm_dats_and_engine.h"
 #include "shell/frm_finish.h"
 #include "shell/frm_review_configuration.h"
-#include "shell/open_package_test_support.h"
+#include "shell/source_page_test_support.h"
 
 namespace kw {
 namespace {
@@ -96,7 +96,7 @@ struct WholeBuild : testing::SourcePageFixture {
   }
   std::vector<std::string> Save() {
     table.Get<frmReviewConfiguration>().Save->UserClick();
-    return TakeSteps();
+    return Steps();
   }
   std::map<std::string, std::string> Contents(const std::string& folder) {
     std::map<std::string, std::string> contents;

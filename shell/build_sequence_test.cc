@@ -8,8 +8,8 @@
 #include "package/installer_db.h"
 #include "shell/frm_finish.h"
 #include "shell/frm_review_configuration.h"
-#include "shell/open_package_test_support.h"
 #include "shell/plain_test_page.h"
+#include "shell/source_page_test_support.h"
 
 namespace kw {
 namespace {
@@ -83,7 +83,7 @@ struct BuildRun : BuildFixture, testing::SourcePageFixture {
   }
   std::vector<std::string> Save() {
     review().Save->UserClick();
-    return TakeSteps();
+    return Steps();
   }
   void Optimize(std::function<void(const FakeCommand&)> tool) {
     page().Optimize.SetChecked(true);

@@ -10,6 +10,14 @@
 
 namespace kw::testing {
 
+/// A form with a list, for what pages add to the review list.
+struct ReviewListForm : ui::Form {
+  explicit ReviewListForm(ui::FormHost& form_host)
+      : Form(form_host, "frmReviewList", "", ui::FormStyle::kDialog), list(*this, "List1") {}
+  ui::ListBox list;
+  ui::Layout ContentLayout() override { return ui::Place(list); }
+};
+
 /// The whole wizard on a machine in memory, with all features of the product installed. Program entry has not
 /// run.
 struct ShellFixture {
@@ -42,6 +50,19 @@ struct ShellFixture {
     ADD_FAILURE() << "no node " << caption;
   }
   std::vector<std::string> Take() { return machine.transcript.Take(); }
+  /// What happened, without calls of the closed libraries.
+  std::vector<std::string> Steps() {
+    std::vector<std::string> lines = Take();
+    std::erase_if(lines, [](const std::string& line) { return line.starts_with("call "); });
+    return lines;
+  }
+  /// Lines that a page adds to the review list.
+  template <typename T>
+  std::vector<std::string> Choices() {
+    ReviewListForm form(host);
+    table.Get<T>().AddChoices(form.list);
+    return form.list.Items();
+  }
 
   platform::testing::FakeMachine machine;
   ui::testing::FakeFormHost host{machine.transcript};

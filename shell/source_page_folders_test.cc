@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "shell/open_package_test_support.h"
+#include "shell/source_page_test_support.h"
 
 namespace kw {
 namespace {
@@ -187,8 +187,8 @@ TEST_F(SourcePageFolders, BothBrowseButtonsHaveTheSameTitleAndStartFromTheirBoxe
   machine.dialogs.folders = {"C:\\Chosen", ""};
   page().DestinationBrowse.UserClick();
   page().SourceBrowse.UserClick();
-  EXPECT_THAT(TakeSteps(), ElementsAre("folder-dialog Select Source Folder | C:\\Kitwright -> C:\\Chosen",
-                                       "folder-dialog Select Source Folder | C:\\Source -> cancel"));
+  EXPECT_THAT(Steps(), ElementsAre("folder-dialog Select Source Folder | C:\\Kitwright -> C:\\Chosen",
+                                   "folder-dialog Select Source Folder | C:\\Source -> cancel"));
   EXPECT_EQ(page().DestinationDir.Text(), "C:\\Chosen");
   EXPECT_EQ(page().SourceDir.Text(), "C:\\Source");
 }
@@ -213,12 +213,12 @@ TEST_F(SourcePageFolders, CancelAndCloseEndWithoutAQuestionAndTakeBackTheDestina
   run.DestinationFolder = "C:\\Out";
   run.DestinationInUse = true;
   page().Cancel->UserClick();
-  EXPECT_THAT(TakeSteps(), ElementsAre("end"));
+  EXPECT_THAT(Steps(), ElementsAre("end"));
   EXPECT_FALSE(machine.files.FolderExists("C:\\Out"));
 
   testing::SourcePageFixture other;
   other.page().UserClose();
-  EXPECT_THAT(other.TakeSteps(), Contains("end"));
+  EXPECT_THAT(other.Steps(), Contains("end"));
 }
 
 TEST(OptimizeBox, FollowsTheMemoryAtLoad) {

@@ -5,7 +5,7 @@
 
 #include "package/installer_db.h"
 #include "package/source_package.h"
-#include "shell/open_package_test_support.h"
+#include "shell/source_page_test_support.h"
 
 namespace kw {
 namespace {

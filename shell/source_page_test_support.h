@@ -1,5 +1,5 @@
-#ifndef KITWRIGHT_SHELL_OPEN_PACKAGE_TEST_SUPPORT_H_
-#define KITWRIGHT_SHELL_OPEN_PACKAGE_TEST_SUPPORT_H_
+#ifndef KITWRIGHT_SHELL_SOURCE_PAGE_TEST_SUPPORT_H_
+#define KITWRIGHT_SHELL_SOURCE_PAGE_TEST_SUPPORT_H_
 
 #include <algorithm>
 #include <map>
@@ -71,12 +71,7 @@ struct SourcePageFixture : ShellFixture {
   /// Presses Next and gives what happened but for calls of the closed libraries.
   std::vector<std::string> Next() {
     page().Next->UserClick();
-    return TakeSteps();
-  }
-  std::vector<std::string> TakeSteps() {
-    std::vector<std::string> lines = Take();
-    std::erase_if(lines, [](const std::string& line) { return line.starts_with("call "); });
-    return lines;
+    return Steps();
   }
   bool Opened() { return table.FormByName("frmFeatures").Visible(); }
   std::vector<std::string> TempFiles() { return machine.files.Tree("C:\\Temp"); }
@@ -87,4 +82,4 @@ struct SourcePageFixture : ShellFixture {
 
 }  // namespace kw::testing
 
-#endif  // KITWRIGHT_SHELL_OPEN_PACKAGE_TEST_SUPPORT_H_
+#endif  // KITWRIGHT_SHELL_SOURCE_PAGE_TEST_SUPPORT_H_
