@@ -45,10 +45,11 @@ ln -s "$here/machine/"* "$stand_in/bin/"
 for part in BCN BWK KTE ZED local; do ln -s "$cross/bin/$part" "$stand_in/bin/$part"; done
 ln -s "$native/tests/"{settings-cipher,peak-memory} "$stand_in/tests/"
 x86_64-w64-mingw32-gcc-posix -O1 -municode -o "$wine_home/plain_user.exe" "$here/plain_user.c"
+x86_64-w64-mingw32-gcc-posix -O1 -municode -o "$wine_home/hold_files.exe" "$here/hold_files.c"
 x86_64-w64-mingw32-gcc-posix -O1 -o "$wine_home/wine_dump.exe" tests/peers/wine_dump.c -lmsi
 gcc -O1 -shared -fPIC -o "$wine_home/machine_facts.so" "$here/machine_facts.c"
 export KITWRIGHT_WINE_AS="${as_user[*]}" KITWRIGHT_WINE_OWNER=${nobody:+$nobody:$nobody}
-export KITWRIGHT_WINE_DUMP=$wine_home/wine_dump.exe KITWRIGHT_MSISQL=$native/bin/msisql
+export KITWRIGHT_WINE_DUMP=$wine_home/wine_dump.exe KITWRIGHT_WINE_HOLD=$wine_home/hold_files.exe KITWRIGHT_MSISQL=$native/bin/msisql
 for level in "${levels[@]}"; do
   KITWRIGHT_BUILD_DIR=$native tests/run-script --machine "$level"
   ln -s "$native/tests/machines/$level" "$stand_in/tests/machines/$level"
@@ -71,7 +72,9 @@ keep() {
 }
 # put_back FOLDER: makes the prefix the machine that was kept there.
 put_back() {
-  end_server
+  # What the machine is now is thrown away: nothing has to be written any more.
+  "${as_user[@]}" wineserver -k9 2> /dev/null || true
+  "${as_user[@]}" wineserver -w
   local drive=$WINEPREFIX/drive_c
   chmod -R u+w "$drive"
   find "$WINEPREFIX" -mindepth 1 -maxdepth 1 ! -name drive_c ! -name dosdevices ! -name ".update*" -exec rm -rf {} +
@@ -254,6 +257,22 @@ worker() {
   end_server
 }
 
+# player NUMBER: plays what no other player has begun.
+player() {
+  local work=$wine_home/work-$1 name begun result
+  mkdir -p "$work"
+  if (($1 > 1)); then export WINEPREFIX=$wine_home/prefix-$1; fi
+  for name in "${plays[@]}"; do
+    mkdir "$wine_home/begun/screen:$name" 2> /dev/null || continue
+    begun=$SECONDS
+    result=passed
+    play "$name" "$work" || result=failed
+    touch "$wine_home/$result/screen:$name"
+    echo "screen:$name $result ($((SECONDS - begun)) s)"
+  done
+  end_server
+}
+
 end_server
 keep "$wine_home/kept-bare"
 for level in "${levels[@]}"; do
@@ -282,11 +301,14 @@ for ((number = 1; number <= workers; ++number)); do
   started+=($!)
 done
 wait "${started[@]}"
-mkdir -p "$wine_home/work-1"
-# One at a time: they share the display.
-for name in "${plays[@]}"; do
-  if play "$name" "$wine_home/work-1"; then touch "$wine_home/passed/screen:$name"; else touch "$wine_home/failed/screen:$name"; fi
+# Behind the others, on a display each.
+started=()
+for ((number = 1; number <= workers && number <= ${#plays[@]}; ++number)); do
+  if ((number > 1)); then start_display; fi
+  player "$number" &
+  started+=($!)
 done
+if [[ ${#started[@]} -gt 0 ]]; then wait "${started[@]}"; fi
 
 mapfile -t failed < <(ls "$wine_home/failed" | sed 's/^/script./')
 cat "$wine_home/judged/"* 2> /dev/null | grep '^judged' || true

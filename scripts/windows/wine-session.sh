@@ -1,6 +1,7 @@
 # To be sourced: a Windows machine of its own under Wine, for the life of the script that asks for it.
 #
 #   start_wine       makes a fresh prefix and a virtual display, and keeps one server for all programs
+#   start_display    makes another virtual display, for the programs that start from then on
 #   run_wine SECONDS PROGRAM [ARGUMENT...]
 #   end_server       ends the server of the prefix, and with it all its programs; what it knew is then in files
 #   stop_wine        ends all of them; called at the script's end in any case
@@ -44,14 +45,20 @@ give_to_user() {
   if [[ ${#as_user[@]} -gt 0 ]]; then chown -hR "$nobody:$nobody" "$@"; fi
 }
 
+start_display() {
+  local fifo
+  fifo=$(mktemp -u "$wine_home/display.XXXXXX")
+  mkfifo "$fifo"
+  LD_PRELOAD= Xvfb -displayfd 3 -ac -screen 0 1280x1024x24 -nolisten tcp 3> "$fifo" > "$fifo.txt" 2>&1 &
+  DISPLAY=:$(head -n 1 "$fifo")
+  export DISPLAY
+}
+
 start_wine() {
   # An attempt to open a window without a display would spoil the server for all that come after.
   mkdir -p "$WINEPREFIX" "$wine_home/home"
   give_to_user "$WINEPREFIX" "$wine_home/home"
-  mkfifo "$wine_home/display"
-  Xvfb -displayfd 3 -ac -screen 0 1280x1024x24 -nolisten tcp 3> "$wine_home/display" > "$wine_home/xvfb.txt" 2>&1 &
-  DISPLAY=:$(head -n 1 "$wine_home/display")
-  export DISPLAY
+  start_display
   "${as_user[@]}" wineserver -p
   "${as_user[@]}" timeout 120 wine wineboot -i > "$wine_home/boot.txt" 2>&1
 }
