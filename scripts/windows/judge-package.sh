@@ -89,12 +89,7 @@ done
   find "$drive" "$WINEPREFIX/drive_d" -path "$drive/windows" -prune -o -type f -print0
   find "$drive/windows" -type f -size -16k ! -iname '*.dll' ! -iname '*.exe' -print0
 } | xargs -0 sha256sum | cut -c 1-64 | sort -u > installed
-count=0
-while read -r key; do
-  if [[ ! -f unpacked/$key ]]; then continue; fi
-  grep -q "$(sha256sum < "unpacked/$key" | cut -c 1-64)" installed || fail "the file $key is not installed"
-  count=$((count + 1))
-done < <(awk -F '\t' -v level="${level:-1}" '
+awk -F '\t' -v level="${level:-1}" '
   $1 == "Feature" { parent[$2] = $3; wanted[$2] = $7 > 0 && $7 <= level }
   $1 == "FeatureComponents" { of[$3] = of[$3] " " $2 }
   $1 == "File" { component[$2] = $3 }
@@ -104,6 +99,11 @@ done < <(awk -F '\t' -v level="${level:-1}" '
       count = split(of[component[key]], features, " ")
       for (i = 1; i <= count; ++i) if (on(features[i])) { print key; break }
     }
-  }' ours)
+  }' ours | while read -r key; do
+  if [[ -f unpacked/$key ]]; then printf 'unpacked/%s\0' "$key"; fi
+done | xargs -0r sha256sum > wanted
+missing=$(awk 'NR == FNR { there[$1]; next } !($1 in there) { print $2; exit }' installed wanted)
+[[ -z $missing ]] || fail "the file ${missing#unpacked/} is not installed"
+count=$(wc -l < wanted)
 ((count > 0)) || fail "no file to install was found in it"
 echo "judged: $(basename "$package"): $(wc -l < ours) rows, $(ls streams | wc -l) streams, $count files installed"

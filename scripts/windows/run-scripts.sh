@@ -37,6 +37,7 @@ cmake --build "$cross" --target kitwright kitwright-drive play-on-windows CabArc
   exit 1
 }
 
+echo "== building for script runs took $SECONDS s"
 source "$here/wine-session.sh"
 # What takes the place of the native build in what prepares and examines a run's machine.
 stand_in=$wine_home/build

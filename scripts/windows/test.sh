@@ -15,6 +15,13 @@ cmake --build --preset windows --target kitwright_unit_tests > "$build/tests-bui
   tail -n 50 "$build/tests-build.txt"
   exit 1
 }
+# took WHAT: says how long it took since the last was said.
+said_at=0
+took() {
+  echo "== $1 took $((SECONDS - said_at)) s"
+  said_at=$SECONDS
+}
+took "building the tests"
 programs=("$@")
 if [[ ${#programs[@]} -eq 0 ]]; then
   while read -r program; do programs+=("$program"); done < <(cd "$build/tests" && printf '%s\n' *_test.exe)
@@ -52,8 +59,10 @@ for program in "${programs[@]}"; do
     status=1
   }
 done
+took "running them"
 if [[ $# -eq 0 ]]; then
   echo "== script runs"
   "$here/run-scripts.sh" || status=1
+  took "all of the script runs"
 fi
 exit "$status"
