@@ -36,6 +36,9 @@ class MachinePaths {
   /// exact spelling first, else the first in byte order of those that differ by case alone. Parts that do not
   /// exist keep the given spelling, so that a file made by the result has the name that was asked for.
   std::string HostPath(std::string_view path) const;
+  /// The same; `refusal` becomes 0, or the number of the error for which it could not be told how a part is
+  /// spelled, so that the result may be no file although there is one.
+  std::string HostPath(std::string_view path, int& refusal) const;
 
   /// The Windows form of an absolute host path: on "C:" (or another drive) when it lies in that drive's
   /// folder, else on "Z:".

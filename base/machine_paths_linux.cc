@@ -2,12 +2,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <memory>
 
+#include "base/errno_number_linux.h"
 #include "base/machine_paths.h"
 #include "base/text.h"
+#include "base/uninterrupted_linux.h"
 
 namespace kw {
 namespace {
@@ -16,17 +19,32 @@ struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
 };
 
-bool Exists(const std::string& path) {
+// An errno that says more than that there is nothing.
+bool IsRefusal(int error) { return error != 0 && error != ENOENT && error != ENOTDIR; }
+
+bool Exists(const std::string& path, int& error) {
   struct stat info {};
-  return lstat(path.c_str(), &info) == 0;
+  error = Uninterrupted([&] { return lstat(path.c_str(), &info); }) == 0 ? 0 : errno;
+  return error == 0;
 }
 
-// The name in `folder` that equals `name` but for case; "" when there is none.
-std::string FindNoCase(const std::string& folder, const std::string& name) {
-  const std::unique_ptr<DIR, CloseFolder> open(opendir(folder.empty() ? "/" : folder.c_str()));
-  if (open == nullptr) return {};
+// The name in `folder` that equals `name` but for case; "" when there is none, or none that could be found
+// for the error.
+std::string FindNoCase(const std::string& folder, const std::string& name, int& error) {
+  std::unique_ptr<DIR, CloseFolder> open;
+  for (int tries = 0; open == nullptr && tries < 100; ++tries) {
+    open.reset(opendir(folder.empty() ? "/" : folder.c_str()));
+    error = open == nullptr ? errno : 0;
+    if (error != EINTR) break;
+  }
   std::string best;
-  while (const dirent* entry = readdir(open.get())) {
+  while (open != nullptr) {
+    errno = 0;
+    const dirent* const entry = readdir(open.get());
+    if (entry == nullptr) {
+      error = errno;
+      break;
+    }
     const std::string_view found = entry->d_name;
     if (EqualsNoCase(found, name) && (best.empty() || found < best)) best = found;
   }
@@ -63,6 +81,12 @@ MachinePaths MachinePaths::OfThisProcess() {
 }
 
 std::string MachinePaths::HostPath(std::string_view path) const {
+  int refusal = 0;
+  return HostPath(path, refusal);
+}
+
+std::string MachinePaths::HostPath(std::string_view path, int& refusal) const {
+  refusal = 0;
   const std::string full = FullPath(path);
   const bool unc = full.starts_with("\\\\");
   std::string host = unc ? root_ + "/unc" : FolderOfDrive(root_, full[0]);
@@ -70,11 +94,13 @@ std::string MachinePaths::HostPath(std::string_view path) const {
   for (const std::string& part : Split(std::string_view(full).substr(2), '\\')) {
     if (part.empty()) continue;
     std::string next = host + "/" + part;
-    if (exists && !Exists(next)) {
-      const std::string other = FindNoCase(host, part);
+    int error = 0;
+    if (exists && !Exists(next, error) && !IsRefusal(error)) {
+      const std::string other = FindNoCase(host, part, error);
       exists = !other.empty();
       if (exists) next = host + "/" + other;
     }
+    if (refusal == 0 && IsRefusal(error)) refusal = ErrorNumberOfErrno(error);
     host = std::move(next);
   }
   return host.empty() ? "/" : host;

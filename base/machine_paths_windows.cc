@@ -15,6 +15,11 @@ MachinePaths MachinePaths::OfThisProcess() {
 
 std::string MachinePaths::HostPath(std::string_view path) const { return FullPath(path); }
 
+std::string MachinePaths::HostPath(std::string_view path, int& refusal) const {
+  refusal = 0;
+  return HostPath(path);
+}
+
 std::string MachinePaths::WindowsPath(std::string_view host_path) const { return FullPath(host_path); }
 
 }  // namespace kw

@@ -9,6 +9,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr int kMostTries = 1000;  // of a call that a signal interrupts
+
 fs::path PathOf(const std::string& utf8) { return {std::u8string(utf8.begin(), utf8.end())}; }
 
 }  // namespace
@@ -16,7 +18,11 @@ fs::path PathOf(const std::string& utf8) { return {std::u8string(utf8.begin(), u
 Result<FolderNames> NamesInHostFolder(const std::string& path) {
   std::error_code error;
   FolderNames names;
-  fs::directory_iterator it(PathOf(path), error);
+  fs::directory_iterator it;
+  for (int tries = 0; tries < kMostTries; ++tries) {
+    it = fs::directory_iterator(PathOf(path), error);
+    if (error != std::errc::interrupted) break;
+  }
   for (; !error && it != fs::directory_iterator(); it.increment(error)) {
     const std::u8string bytes = it->path().filename().u8string();
     const std::string name(bytes.begin(), bytes.end());

@@ -28,7 +28,12 @@ Status FileLock::Acquire(Mode mode) {
   return {};
 }
 
-void FileLock::Release() { ::flock(fd_, LOCK_UN); }
+void FileLock::Release() {
+  if (Uninterrupted([&] { return ::flock(fd_, LOCK_UN); }) == 0) return;
+  // A closed file holds no lock, whatever the system said.
+  ::close(fd_);
+  fd_ = -1;
+}
 
 Result<FileIdentity> FileIdentity::Of(const std::string& path) {
   FileIdentity identity;

@@ -25,7 +25,7 @@ class FileLock {
   /// Waits for the lock. Not to be nested.
   Status Acquire(Mode mode);
   void Release();
-  /// True once the lock was acquired for the first time.
+  /// True while the file that stands for the lock is open, as it is from the first time on.
   bool IsOpen() const { return fd_ >= 0; }
 
  private:

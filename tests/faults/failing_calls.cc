@@ -66,17 +66,31 @@ void PathBelow(int folder, const char* name, char (&path)[PATH_MAX]) {
   if (std::snprintf(path, sizeof path, "%s/%s", start, name) >= static_cast<int>(sizeof path)) path[0] = '\0';
 }
 
+// Nothing more is to suffer, so that nobody needs to know which file a call is about.
+bool IsOver(const FaultPlan& plan) {
+  return plan.mode != FaultMode::kNone &&
+         uint64_t{plan.counted.load()} + 1 >= uint64_t{plan.first} + plan.times;
+}
+
+// The plan, when this call may be one of those it counts.
+FaultPlan* PlanFor(CallKind kind) {
+  FaultPlan* const plan = Plan();
+  if (plan == nullptr || plan->armed.load() == 0 || (plan->kinds & kind) == 0) return nullptr;
+  return IsOver(*plan) ? nullptr : plan;
+}
+
 enum class Turn { kGoOn, kFail, kShort, kKillAfter, kKillWizardAfter };
 
 /// What becomes of one call; with kFail errno is set.
 Turn TurnOf(CallKind kind, const char* call, const char* path) {
-  FaultPlan* const plan = Plan();
-  if (plan == nullptr || plan->armed.load() == 0 || (plan->kinds & kind) == 0) return Turn::kGoOn;
+  FaultPlan* const plan = PlanFor(kind);
+  if (plan == nullptr) return Turn::kGoOn;
   const size_t root = std::strlen(plan->root);
   if (std::strncmp(path, plan->root, root) != 0) return Turn::kGoOn;
   if (std::strncmp(path + root, plan->below, std::strlen(plan->below)) != 0) return Turn::kGoOn;
   const uint32_t number = plan->counted.fetch_add(1) + 1;
-  if (number <= FaultPlan::kMostCalls) {
+  const bool told = plan->mode == FaultMode::kNone || number == plan->first;
+  if (told && number <= FaultPlan::kMostCalls) {
     CountedCall& counted = plan->calls[number - 1];
     counted.kind = kind;
     std::snprintf(counted.program, sizeof counted.program, "%s", program_invocation_short_name);
@@ -109,16 +123,14 @@ Turn TurnOf(CallKind kind, const char* call, const char* path) {
 }
 
 Turn TurnOfFd(CallKind kind, const char* call, int fd) {
-  const FaultPlan* const plan = Plan();
-  if (plan == nullptr || plan->armed.load() == 0 || (plan->kinds & kind) == 0) return Turn::kGoOn;
+  if (PlanFor(kind) == nullptr) return Turn::kGoOn;
   char path[PATH_MAX];
   PathOfFd(fd, path);
   return TurnOf(kind, call, path);
 }
 
 Turn TurnAt(CallKind kind, const char* call, int folder, const char* name) {
-  const FaultPlan* const plan = Plan();
-  if (plan == nullptr || plan->armed.load() == 0 || (plan->kinds & kind) == 0) return Turn::kGoOn;
+  if (PlanFor(kind) == nullptr) return Turn::kGoOn;
   char path[PATH_MAX];
   PathBelow(folder, name, path);
   return TurnOf(kind, call, path);

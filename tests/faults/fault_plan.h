@@ -29,6 +29,9 @@ constexpr uint32_t kAllCalls = (1U << 14) - 1;
 /// The calls that a signal may interrupt.
 constexpr uint32_t kInterruptibleCalls =
     kOpenToRead | kOpenToWrite | kRead | kWrite | kSync | kResize | kLock | kClose;
+/// The calls that may be denied.
+constexpr uint32_t kDeniedCalls =
+    kOpenToRead | kOpenToWrite | kRename | kRemove | kMakeFolder | kAttributes | kList | kLook;
 /// The calls after which the disk is another.
 constexpr uint32_t kChangingCalls =
     kOpenToWrite | kWrite | kRename | kRemove | kMakeFolder | kAttributes | kResize;

@@ -13,7 +13,9 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iostream>
 #include <map>
 #include <ostream>
 #include <set>
@@ -31,6 +33,9 @@ using ::testing::IsEmpty;
 constexpr const char* kDone = "This folder contains your customized";
 constexpr const char* kSettingsDone = "This file contains your customized";
 constexpr const char* kNotDone = "Kitwright did not complete successfully.";
+
+/// After how many killed wizards one makes another build.
+constexpr int kDeathsForABuild = 4;
 
 struct Scenario {
   const char* name;
@@ -124,6 +129,7 @@ class WholeBuildFaults : public ::testing::TestWithParam<Scenario> {
       numbers.push_back(choices[at].number);
     }
     std::sort(numbers.begin(), numbers.end());
+    if (asked) std::cout << numbers.size() << " of " << choices.size() << " calls" << std::endl;
     return numbers;
   }
 
@@ -154,7 +160,7 @@ class WholeBuildFaults : public ::testing::TestWithParam<Scenario> {
   bool Succeeded(const Outcome& outcome) { return outcome.Says(kDone) || outcome.Says(kSettingsDone); }
 
   /// A success is what a good build gives, but for what the user was told of.
-  void ExpectWholeOutput(const Outcome& outcome) {
+  void ExpectWholeOutput(const Outcome& outcome, bool nothing_can_be_removed = false) {
     const Contents output = Output();
     const bool told = !outcome.Boxes().empty();
     if (outcome.Says("An unoptimized package was created successfully")) {
@@ -189,7 +195,7 @@ class WholeBuildFaults : public ::testing::TestWithParam<Scenario> {
       // A tool that is killed leaves what it had begun, and the wizard tells that there is no result. That
       // the plain catalogue cannot be removed is passed over.
       EXPECT_TRUE(good_.contains(name) || (told && name.ends_with(".new")) ||
-                  name.ends_with("PkgCatalog.XML"))
+                  name.ends_with("PkgCatalog.XML") || (told && nothing_can_be_removed && IsUnfinished(name)))
           << "too much: " << name;
     }
   }
@@ -247,7 +253,23 @@ class WholeBuildFaults : public ::testing::TestWithParam<Scenario> {
     }
     ExpectMachineUnharmed(false);
     ExpectNoBranchAfterNextStart();
-    ++suffered_;
+  }
+
+  /// All calls suffer from one on, those that tidy up among them: what is left lies where it was, but nothing
+  /// is claimed that is not so, and the next start finds its way.
+  void SufferForeverAndExpectNoFalseClaim(const Fault& fault) {
+    SCOPED_TRACE("from call " + std::to_string(fault.first));
+    const Outcome outcome = runs_.Run(fault);
+    SCOPED_TRACE(outcome.call);
+    std::string told;
+    for (const std::string& line : outcome.told) told += line + "\n";
+    SCOPED_TRACE(told);
+    if (EndedWell(outcome)) {
+      if (Succeeded(outcome)) ExpectWholeOutput(outcome, true);
+      EXPECT_TRUE(Succeeded(outcome) || !outcome.Boxes().empty());
+    }
+    ExpectMachineUnharmed(true);
+    ExpectNoBranchAfterNextStart();
   }
 
   /// The wizard dies at one call. Every file in the destination is a whole one, and databases open.
@@ -269,13 +291,15 @@ class WholeBuildFaults : public ::testing::TestWithParam<Scenario> {
     EXPECT_TRUE(Output().contains("PkgCatalog.z") || !Succeeded(outcome));
     for (const std::string& folder : {runs_.Folder("Temp"), runs_.Folder("Out")}) {
       for (const auto& [name, bytes] : ContentsOf(folder)) {
-        if (!name.ends_with(".msi")) continue;
+        // Peers need not look at the same bytes again.
+        if (!name.ends_with(".msi") || !judged_.insert(std::hash<std::string>()(bytes)).second) continue;
         EXPECT_TRUE(OpensForPeers(folder + "/" + name)) << name;
         EXPECT_FALSE(DumpOf(folder + "/" + name).begin()->starts_with("error:")) << name;
       }
     }
     ExpectMachineUnharmed(true);
     ExpectNoBranchAfterNextStart();
+    if (deaths_++ % kDeathsForABuild != 0) return;
     const Outcome afterwards = runs_.RunAfterwards();
     EXPECT_TRUE(EndedWell(afterwards) && Succeeded(afterwards)) << "the next build";
     EXPECT_THAT(afterwards.Boxes(), IsEmpty());
@@ -291,7 +315,8 @@ class WholeBuildFaults : public ::testing::TestWithParam<Scenario> {
   Contents good_;
   std::set<std::string> good_package_;
   std::vector<CountedCall> calls_;
-  int suffered_ = 0;
+  int deaths_ = 0;
+  std::set<size_t> judged_;  ///< of databases that opened
 };
 
 TEST_P(WholeBuildFaults, TwoRunsGiveTheSameBytes) {
@@ -303,14 +328,12 @@ TEST_P(WholeBuildFaults, TwoRunsGiveTheSameBytes) {
 }
 
 TEST_P(WholeBuildFaults, ACallThatFailsWithAnInputOutputErrorFailsTheBuildCleanlyOrIsToldOrHealed) {
-  for (const uint32_t number : Choose(kAllCalls, kAllCalls & ~(kLook | kLock)))
+  for (const uint32_t number : Choose(kAllCalls, kAllCalls))
     SufferAndExpectAll({FaultMode::kFail, kAllCalls, EIO, number, 1});
 }
 
 TEST_P(WholeBuildFaults, ACallThatIsDeniedFailsTheBuildCleanlyOrIsToldOrHealed) {
-  constexpr uint32_t kDenied =
-      kOpenToRead | kOpenToWrite | kRename | kRemove | kMakeFolder | kAttributes | kList | kLook;
-  for (const uint32_t number : Choose(kAllCalls, kDenied))
+  for (const uint32_t number : Choose(kAllCalls, kDeniedCalls))
     SufferAndExpectAll({FaultMode::kFail, kAllCalls, EACCES, number, 1});
 }
 
@@ -322,6 +345,17 @@ TEST_P(WholeBuildFaults, ADiskThatIsFullForAMomentFailsTheBuildCleanlyOrIsToldOr
 TEST_P(WholeBuildFaults, ADiskThatIsFullFromThenOnFailsTheBuildCleanlyOrIsTold) {
   for (const uint32_t number : Choose(kGrowingCalls, kGrowingCalls))
     SufferAndExpectAll({FaultMode::kFail, kGrowingCalls, ENOSPC, number, 1U << 30});
+}
+
+TEST_P(WholeBuildFaults, ErrorsThatLastFromThenOnAreNeverTakenForASuccess) {
+  const struct {
+    int error;
+    uint32_t kinds;
+  } lasting[] = {{EIO, kAllCalls}, {EACCES, kDeniedCalls}, {EINTR, kInterruptibleCalls}};
+  for (const auto& [error, kinds] : lasting) {
+    for (const uint32_t number : Choose(kinds, kinds))
+      SufferForeverAndExpectNoFalseClaim({FaultMode::kFail, kinds, error, number, 1U << 30});
+  }
 }
 
 TEST_P(WholeBuildFaults, ADestinationThatIsFullFailsTheBuildCleanlyOrIsTold) {
@@ -370,10 +404,48 @@ TEST_P(WholeBuildFaults, ASourceThatIsRemovedMeanwhileFailsThePackageCleanlyAndH
   ExpectNoBranchAfterNextStart();
 }
 
+TEST_P(WholeBuildFaults, LinksThatAppearWhereABuildWritesAreReplacedAndNotFollowed) {
+  namespace fs = std::filesystem;
+  const fs::path elsewhere = runs_.Folder("Temp") + "/elsewhere";
+  const auto plant = [&] {
+    fs::create_directories(elsewhere / "folder");
+    const fs::path destination = runs_.Folder(GetParam().output);
+    for (const auto& [name, bytes] : good_) {
+      const fs::path place = destination / name.substr(0, name.find('/'));
+      if (fs::is_symlink(fs::symlink_status(place))) continue;
+      const std::string target = name.find('/') == std::string::npos ? "file-" + name : "folder";
+      if (target != "folder") std::ofstream(elsewhere / target) << "precious";
+      fs::create_symlink(elsewhere / target, place);
+    }
+    for (const fs::directory_entry& run : fs::directory_iterator(runs_.Folder("Temp"))) {
+      if (run.path() == elsewhere) continue;
+      for (const char* name : {"Cab1.DDF", "Cab1.CAB", "Cab1.CAB.new", "SETUP.EXE", "SETUP.EXE.new"}) {
+        std::ofstream(elsewhere / name) << "precious";
+        if (!fs::exists(run.path() / name)) fs::create_symlink(elsewhere / name, run.path() / name);
+      }
+    }
+  };
+  const Outcome outcome = runs_.Run({}, plant);
+  EXPECT_TRUE(EndedWell(outcome) && Succeeded(outcome));
+  EXPECT_THAT(outcome.Boxes(), IsEmpty());
+  // What lies in the destination is packed into the one program.
+  if (!GetParam().optimized) ExpectWholeOutput(outcome);
+  size_t files = 0;
+  for (const auto& [name, bytes] : ContentsOf(elsewhere.string())) {
+    EXPECT_TRUE(name == "folder/" || bytes == "precious") << name;
+    ++files;
+  }
+  EXPECT_GT(files, 4U);
+  for (const auto& entry : fs::recursive_directory_iterator(runs_.Folder(GetParam().output)))
+    EXPECT_FALSE(entry.is_symlink()) << entry.path();
+  ExpectMachineUnharmed(false);
+}
+
 TEST_P(WholeBuildFaults, ShortReadsAndWritesChangeNothing) {
   for (const uint32_t number : Choose(kAllCalls, kRead | kWrite))
     SufferAndExpectAll({FaultMode::kShort, kAllCalls, 0, number, 1}, true);
-  SufferAndExpectAll({FaultMode::kShort, kRead | kWrite, 0, 1, 1U << 30}, true);
+  for (const uint32_t number : Choose(kRead | kWrite, kRead | kWrite))
+    SufferAndExpectAll({FaultMode::kShort, kRead | kWrite, 0, number, 1U << 30}, true);
 }
 
 TEST_P(WholeBuildFaults, InterruptedCallsAreMadeAgain) {
@@ -386,8 +458,10 @@ TEST_P(WholeBuildFaults, InterruptedCallsAreMadeAgain) {
 
 TEST_P(WholeBuildFaults, AToolThatIsKilledFailsTheBuildCleanlyOrIsTold) {
   const auto in_tool = [](const CountedCall& call) { return std::string(call.program) != "kitwright-drive"; };
-  for (const uint32_t number : Choose(kAllCalls, kChangingCalls | kRead, in_tool))
-    SufferAndExpectAll({FaultMode::kKillBefore, kAllCalls, 0, number, 1});
+  for (const FaultMode mode : {FaultMode::kKillBefore, FaultMode::kKillAfter}) {
+    for (const uint32_t number : Choose(kAllCalls, kChangingCalls | kRead, in_tool))
+      SufferAndExpectAll({mode, kAllCalls, 0, number, 1});
+  }
 }
 
 TEST_P(WholeBuildFaults, AWizardThatIsKilledLeavesWholeFilesAndNothingAfterItsNextStart) {

@@ -99,7 +99,7 @@ Contents ContentsOf(const std::string& folder) {
   Contents contents;
   if (!fs::is_directory(folder)) return contents;
   for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-    const std::string name = fs::relative(entry.path(), folder).generic_string();
+    const std::string name = entry.path().string().substr(folder.size() + 1);
     if (entry.is_directory()) {
       contents[name + "/"];
     } else {
@@ -166,7 +166,7 @@ void WizardRuns::LayOut() {
 std::map<std::string, std::string> WizardRuns::Stamps() const {
   std::map<std::string, std::string> stamps;
   for (auto at = fs::recursive_directory_iterator(machine_); at != fs::recursive_directory_iterator(); ++at) {
-    const std::string name = fs::relative(at->path(), machine_).generic_string();
+    const std::string name = at->path().string().substr(machine_.size() + 1);
     if (MayChange(name)) {
       if (at->is_directory()) at.disable_recursion_pending();
       continue;
