@@ -13,10 +13,16 @@ Result<std::string> ReadWholeFile(Storage& storage, const std::string& path) {
   return content;
 }
 
+Result<std::unique_ptr<StorageFile>> OpenAnew(Storage& storage, const std::string& path) {
+  const Status removed = storage.Remove(path);
+  if (!removed.ok() && removed.number() != kErrorFileNotFound) return removed.error();
+  return storage.Open(path, Storage::Mode::kCreateNew);
+}
+
 Status WriteFileAtomically(Storage& storage, const std::string& path, std::string_view content) {
   const std::string beside = path + ".new";
   Status status = [&]() -> Status {
-    KW_ASSIGN_OR_RETURN(auto file, storage.Open(beside, Storage::Mode::kCreateAlways));
+    KW_ASSIGN_OR_RETURN(auto file, OpenAnew(storage, beside));
     KW_RETURN_IF_ERROR(file->WriteAt(0, std::as_bytes(std::span(content))));
     return file->Sync();
   }();

@@ -46,7 +46,8 @@ class Storage {
   /// Removes a file; a missing one is kErrorFileNotFound.
   virtual Status Remove(const std::string& path) = 0;
   virtual bool Exists(const std::string& path) = 0;
-  /// Makes a folder; one that exists already is no error. The folder above must exist.
+  /// Makes a folder; one that exists already is no error, but a link in its place is one. The folder
+  /// above must exist.
   virtual Status CreateFolder(const std::string& path) = 0;
 };
 
@@ -55,7 +56,10 @@ Storage& SystemStorage();
 
 /// The whole content of a host file.
 Result<std::string> ReadWholeFile(Storage& storage, const std::string& path);
-/// Replaces a host file's content at once: written beside it, synchronised, renamed over it.
+/// A new file in the place of whatever file or link is there, which is removed and never written through.
+Result<std::unique_ptr<StorageFile>> OpenAnew(Storage& storage, const std::string& path);
+/// Replaces a host file's content at once: written beside it, synchronised, renamed over it. A link there is
+/// replaced by the file.
 Status WriteFileAtomically(Storage& storage, const std::string& path, std::string_view content);
 
 }  // namespace kw

@@ -127,7 +127,7 @@ class PosixStorage : public Storage {
     struct stat info {};
     if (::mkdir(path.c_str(), 0777) == 0) return {};
     const int error = errno;
-    if (error == EEXIST && ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return {};
+    if (error == EEXIST && ::lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return {};
     errno = error;
     return Failure("make the folder", path);
   }

@@ -122,7 +122,7 @@ class Win32Storage : public Storage {
     const DWORD error = GetLastError();
     const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
     if (error == ERROR_ALREADY_EXISTS && attributes != INVALID_FILE_ATTRIBUTES &&
-        (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
       return {};
     }
     SetLastError(error);

@@ -146,7 +146,7 @@ Result<WrittenCabinet> WritePlannedCabinet(Storage& storage, const std::string& 
   const std::string beside = path + ".new";
   WrittenCabinet written;
   Status status = [&]() -> Status {
-    KW_ASSIGN_OR_RETURN(auto out, storage.Open(beside, Storage::Mode::kCreateAlways));
+    KW_ASSIGN_OR_RETURN(auto out, OpenAnew(storage, beside));
     KW_ASSIGN_OR_RETURN(written.size, Writer(storage, *out, options, plan).Write(files));
     return {};
   }();

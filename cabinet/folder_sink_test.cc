@@ -77,6 +77,18 @@ TEST_F(FolderSinkTest, NoLinkIsFollowed) {
   EXPECT_EQ(Content("out/file"), "replaced");
 }
 
+TEST_F(FolderSinkTest, ACabinetIsWrittenThroughNoLink) {
+  Make("outside", "precious");
+  for (const char* name : {"t.cab", "t.cab.new"})
+    std::filesystem::create_symlink(folder_ / "outside", folder_ / name);
+  ASSERT_TRUE(Pack("t.cab", {{"a", "content"}}).ok());
+  EXPECT_EQ(Content("outside"), "precious");
+  EXPECT_FALSE(std::filesystem::is_symlink(folder_ / "t.cab"));
+  MemorySink sink;
+  EXPECT_TRUE(Unpack("t.cab", sink).ok());
+  EXPECT_EQ(sink.content["a"], "content");
+}
+
 TEST_F(FolderSinkTest, TwoEntriesOfOneNameAreNotMixedUp) {
   const Status status = UnpackTo({{"name", "first"}, {"NAME", "second"}});
   EXPECT_EQ(status.number(), kErrorAlreadyExists);

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -40,13 +42,15 @@ TEST_F(ArchiveTest, ExportRefusesKeysThatLeadElsewhere) {
 }
 
 TEST_F(ArchiveTest, ExportReplacesALinkAndDoesNotFollowIt) {
-  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "kw_msi_export_link";
+  const std::filesystem::path folder =
+      std::filesystem::temp_directory_path() / ("kw_msi_export_link" + std::to_string(::getpid()));
   std::filesystem::remove_all(folder);
   std::filesystem::create_directories(folder / "Cabs");
   std::ofstream(folder / "precious") << "precious";
   std::error_code error;
   std::filesystem::create_symlink(folder / "precious", folder / "Cabs/Cab1.CAB", error);
   if (error) GTEST_SKIP() << "no links here";
+  std::filesystem::create_symlink(folder / "precious", folder / "Cabs.idt");
   std::ofstream(folder / "in") << "cabinet bytes";
   {
     const auto real = Get(Database::Open(SystemStorage(), (folder / "a.msi").string(), OpenMode::kCreate));
@@ -55,6 +59,19 @@ TEST_F(ArchiveTest, ExportReplacesALinkAndDoesNotFollowIt) {
     KW_EXPECT_OK(RunSql(*real, "insert into `Cabs` (`Name`, `Data`) values ('Cab1.CAB', ?)",
                         {FileValue(SystemStorage(), (folder / "in").string())}));
     KW_EXPECT_OK(real->Export("Cabs", folder.string(), "Cabs.idt"));
+    EXPECT_FALSE(std::filesystem::is_symlink(folder / "Cabs.idt"));
+    // A link in the place of the whole folder is no place for streams.
+    std::filesystem::rename(folder / "Cabs", folder / "kept");
+    std::filesystem::create_directories(folder / "elsewhere");
+    for (const char* target : {"elsewhere", "precious", "none"}) {
+      std::filesystem::remove(folder / "Cabs");
+      std::filesystem::create_symlink(folder / target, folder / "Cabs");
+      EXPECT_FALSE(real->Export("Cabs", folder.string(), "Cabs.idt").ok()) << target;
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "elsewhere"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "none"));
+    std::filesystem::remove(folder / "Cabs");
+    std::filesystem::rename(folder / "kept", folder / "Cabs");
   }
   EXPECT_EQ(*ReadWholeFile(SystemStorage(), (folder / "precious").string()), "precious");
   EXPECT_EQ(*ReadWholeFile(SystemStorage(), (folder / "Cabs/Cab1.CAB").string()), "cabinet bytes");

@@ -73,10 +73,7 @@ Result<std::string> StreamFileName(Core& core, const Table& table, Table::Row ro
 }
 
 Status WriteStream(Core& core, const std::string& path, CfStream& stream) {
-  // What is there is replaced, not written through: it may be a link.
-  Status removed = core.storage().Remove(path);
-  if (!removed.ok() && removed.number() != kErrorFileNotFound) return removed;
-  KW_ASSIGN_OR_RETURN(auto file, core.storage().Open(path, Storage::Mode::kCreateNew));
+  KW_ASSIGN_OR_RETURN(auto file, OpenAnew(core.storage(), path));
   std::string buffer(256 * 1024, '\0');
   for (uint64_t at = 0; at < stream.size();) {
     KW_ASSIGN_OR_RETURN(const size_t got,
@@ -89,7 +86,7 @@ Status WriteStream(Core& core, const std::string& path, CfStream& stream) {
 }
 
 Status WriteText(Core& core, const std::string& path, const std::string& text) {
-  KW_ASSIGN_OR_RETURN(auto file, core.storage().Open(path, Storage::Mode::kCreateAlways));
+  KW_ASSIGN_OR_RETURN(auto file, OpenAnew(core.storage(), path));
   return file->WriteAt(0, std::as_bytes(std::span(text)));
 }
 

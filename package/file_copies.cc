@@ -20,6 +20,16 @@ Status MakeWritable(platform::Services& services, const std::string& path) {
   return services.files->SetReadOnly(path, false);
 }
 
+Status MakeOwnFolder(platform::Services& services, const std::string& path) {
+  if (services.files->IsLink(path)) {
+    const bool to_folder = services.files->FolderExists(path);
+    KW_RETURN_IF_ERROR(to_folder ? services.files->DeleteFolder(path, true)
+                                 : services.files->DeleteFile(path, true));
+  }
+  if (services.files->FolderExists(path)) return {};
+  return services.files->CreateFolder(path);
+}
+
 void MakeFolderPath(platform::Services& services, const std::string& path) {
   const std::string whole = path.ends_with('\\') ? path : path + "\\";
   for (size_t i = whole.find('\\', 3); i != std::string::npos; i = whole.find('\\', i + 1))
@@ -37,7 +47,7 @@ bool CopyFileToFolder(platform::Services& services, const std::string& path, con
                                 "access it."))
       return false;
   }
-  MakeWritable(services, target).IgnoreError();
+  if (!services.files->IsLink(target)) MakeWritable(services, target).IgnoreError();
   while (!services.files->CopyFile(path, target, true).ok()) {
     if (!AskRetry(services, "Could not copy file to " + target +
                                 ".  Please verify that the file does not already exist, that the folder is "

@@ -44,10 +44,13 @@ std::string BrowseForFolder(platform::Services& services, const std::string& tit
                             const std::string& start_folder);
 /// Creates every missing folder of the path, ignoring all errors; the caller looks whether it is there.
 void MakeFolderPath(platform::Services& services, const std::string& path);
+/// Makes a folder of the run's own below its temp folder or the destination; one that is there is kept. A
+/// link in its place is removed, so that nothing is written where it points.
+Status MakeOwnFolder(platform::Services& services, const std::string& path);
 /// Clears the read-only attribute of a file that has it; a missing file is none.
 Status MakeWritable(platform::Services& services, const std::string& path);
 /// Copies a file into a folder, asking Retry or Cancel on failures, and adds its upper-cased name to `list`.
-/// False when the user gave up.
+/// A link that has the name is replaced. False when the user gave up.
 bool CopyFileToFolder(platform::Services& services, const std::string& path, const std::string& folder,
                       FileListPtr& list);
 

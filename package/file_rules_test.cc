@@ -259,5 +259,41 @@ TEST_F(RunAndWaitTest, AProgramThatDoesNotStartGivesMinusOneWithoutAWord) {
   EXPECT_EQ(Run("tool"), -1);
 }
 
+// Links in the places that a run writes to.
+struct LinkTest : ::testing::Test {
+  LinkTest() {
+    machine.files.AddFile("C:\\Elsewhere\\Setup.ini", "precious", true);
+    machine.files.AddFile("C:\\Source\\Setup.ini", "new");
+    machine.files.AddFolder("C:\\Out");
+  }
+  FakeMachine machine;
+};
+
+TEST_F(LinkTest, AFileIsCopiedInThePlaceOfALinkAndNotThroughIt) {
+  machine.files.AddLink("C:\\Out\\Setup.ini", "C:\\Elsewhere\\Setup.ini");
+  FileListPtr list;
+  EXPECT_TRUE(CopyFileToFolder(machine.services, "C:\\Source\\Setup.ini", "C:\\Out", list));
+  EXPECT_EQ(machine.files.Content("C:\\Out\\Setup.ini"), "new");
+  EXPECT_EQ(machine.files.Content("C:\\Elsewhere\\Setup.ini"), "precious");
+  EXPECT_TRUE(machine.files.IsReadOnly("C:\\Elsewhere\\Setup.ini"));
+}
+
+TEST_F(LinkTest, AFolderOfTheRunsOwnTakesThePlaceOfALink) {
+  for (const char* target : {"C:\\Elsewhere", "C:\\Elsewhere\\Setup.ini"}) {
+    machine.files.AddLink("C:\\Out\\BCN", target);
+    EXPECT_TRUE(MakeOwnFolder(machine.services, "C:\\Out\\BCN").ok());
+    EXPECT_TRUE(machine.files.FolderExists("C:\\Out\\BCN"));
+    EXPECT_FALSE(machine.files.IsLink("C:\\Out\\BCN"));
+    EXPECT_EQ(machine.files.Content("C:\\Elsewhere\\Setup.ini"), "precious");
+    ASSERT_TRUE(machine.files.DeleteFolder("C:\\Out\\BCN", false).ok());
+  }
+}
+
+TEST_F(LinkTest, AFolderOfTheRunsOwnThatIsThereIsKept) {
+  machine.files.AddFile("C:\\Out\\BCN\\kept", "kept");
+  EXPECT_TRUE(MakeOwnFolder(machine.services, "C:\\Out\\BCN").ok());
+  EXPECT_EQ(machine.files.Content("C:\\Out\\BCN\\kept"), "kept");
+}
+
 }  // namespace
 }  // namespace kw

@@ -55,7 +55,7 @@ std::string NewTempPath(platform::Services& services, RunState& run) {
   // back.
   for (;;) {
     std::string path = services.system->TempFolder() + "\\" + MakeUniqueId(services, run);
-    if (!services.files->FolderExists(path)) return path;
+    if (!services.files->FolderExists(path) && !services.files->IsLink(path)) return path;
   }
 }
 

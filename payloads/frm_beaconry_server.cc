@@ -113,7 +113,7 @@ void frmBeaconryServer::ReadConfig() {
   InstallBeaconry.SetChecked(false);
   run_.BeaconryWorkingMsiPath = run_.TempFolder + "\\BCData\\" + kNestedPackage;
   // A folder that cannot be made shows when the package is copied into it.
-  services_.files->CreateFolder(run_.TempFolder + "\\BCData").IgnoreError();
+  MakeOwnFolder(services_, run_.TempFolder + "\\BCData").IgnoreError();
   if (ReadNestedPackage()) ReadNestedChoices();
   AdjustControls();
 }
@@ -295,7 +295,7 @@ bool frmBeaconryServer::SaveConfig() {
 bool frmBeaconryServer::CopyNestedFiles() {
   const std::string folder = run_.DestinationFolder + "\\BCN";
   // A folder that cannot be made shows in the copy.
-  if (!services_.files->FolderExists(folder)) services_.files->CreateFolder(folder).IgnoreError();
+  if (!MakeOwnFolder(services_, folder).ok() && services_.files->IsLink(folder)) return false;
   if (!CopyFileToFolder(services_, run_.BeaconryWorkingMsiPath, folder, run_.BeaconryFileList)) return false;
   const auto entries = services_.files->List(run_.BeaconrySourceFolder);
   if (!entries.ok()) return false;

@@ -219,8 +219,8 @@ bool frmInstallBWK::SaveConfig() {
   }
   if (!services_.files->FileExists(InstallerPath)) return false;
   const std::string folder = run_.DestinationFolder + "\\BWK";
-  if (!services_.files->FolderExists(folder)) {
-    services_.files->CreateFolder(folder).IgnoreError();
+  if (!services_.files->FolderExists(folder) || services_.files->IsLink(folder)) {
+    if (!MakeOwnFolder(services_, folder).ok() && services_.files->IsLink(folder)) return false;
     // With a list, empty as it is, a build that fails takes the folder back.
     if (!run_.BulwarkFileList) run_.BulwarkFileList = std::make_unique<FileList>();
   }

@@ -50,7 +50,7 @@ void frmPatchFiles::EnableButtons(bool enabled) {
 void frmPatchFiles::ReadConfig() {
   EnsureLoaded();
   // Nothing uses the folder, so that an error in making it is passed over.
-  services_.files->CreateFolder(run_.TempFolder + "\\Patches").IgnoreError();
+  MakeOwnFolder(services_, run_.TempFolder + "\\Patches").IgnoreError();
   for (int i = 0;; ++i) {
     const std::string value =
         ReadIniValue(services_, run_.WorkingSetupIniPath, kStartupSection, PatchKey(i), "");

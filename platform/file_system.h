@@ -51,27 +51,32 @@ class FileSystem {
   virtual bool FolderExists(const std::string& path) = 0;
   /// A file's entry; fails for a folder and for a missing file.
   virtual Result<FileEntry> GetFile(const std::string& path) = 0;
+  /// True for a link, whatever it points to; false for what lies behind one.
+  virtual bool IsLink(const std::string& path) = 0;
   /// The entries of a folder in case-insensitive name order, without "." and "..".
   virtual Result<std::vector<FileEntry>> List(const std::string& folder) = 0;
 
   /// Copies a file's bytes, read-only attribute and times. Without `overwrite` an existing target is
   /// kErrorFileExists; a read-only target is kErrorAccessDenied in any case. A copy onto itself succeeds and
-  /// changes nothing. After a failure no half-written target is left that was not there before.
+  /// changes nothing. A link to a file at the target is replaced by the copy, never written through. After a
+  /// failure no half-written target is left that was not there before.
   virtual Status CopyFile(const std::string& from, const std::string& to, bool overwrite) = 0;
   /// Deletes a file; without `force` a read-only one is kErrorAccessDenied.
   virtual Status DeleteFile(const std::string& path, bool force) = 0;
   /// Deletes a folder with all that it holds; without `force` read-only content is kErrorAccessDenied. Links
   /// are removed, never followed.
   virtual Status DeleteFolder(const std::string& path, bool force) = 0;
-  /// Creates one folder; its parent must exist; an existing one is kErrorAlreadyExists.
+  /// Creates one folder; its parent must exist; an existing one is kErrorAlreadyExists, and so is a link.
   virtual Status CreateFolder(const std::string& path) = 0;
   virtual Status SetReadOnly(const std::string& path, bool read_only) = 0;
 
+  /// A link to nothing is not followed: nothing is created where it points.
   virtual Result<std::unique_ptr<FileHandle>> Open(const std::string& path, OpenHow how) = 0;
   /// A file's whole content.
   virtual Result<std::string> ReadFile(const std::string& path) = 0;
-  /// Creates or replaces a file with these bytes. Fails on a read-only file. After a failure (a full disk) the
-  /// old content is there, or no file where there was none.
+  /// Creates or replaces a file with these bytes; a link to a file is replaced, never written through. Fails
+  /// on a read-only file. After a failure (a full disk) the old content is there, or no file where there was
+  /// none.
   virtual Status WriteFile(const std::string& path, std::string_view bytes) = 0;
 
   /// The current folder of the process, with its drive; "C:\" at a root. Children inherit it.

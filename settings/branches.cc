@@ -1,6 +1,8 @@
 #include "settings/branches.h"
 
 #include "base/text.h"
+#include "package/file_rules.h"
+#include "package/file_rules.h"
 #include "package/installer_db.h"
 #include "package/staging.h"
 
@@ -79,7 +81,7 @@ uint32_t ReadDword(platform::Services& services, platform::Hive hive, const std:
 
 std::string MakeConfigAppDataFolder(platform::Services& services, RunState& run) {
   const std::string folder = run.TempFolder + "\\ConfigAppData" + MakeUniqueId(services, run);
-  services.files->CreateFolder(folder).IgnoreError();
+  MakeOwnFolder(services, folder).IgnoreError();
   return folder;
 }
 

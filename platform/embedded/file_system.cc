@@ -56,14 +56,24 @@ struct Spot {
   std::string host;
   bool allowed = false;  ///< no forbidden character in it
   HostStatus status;
+  bool is_link = false;  ///< as far as LookAtTarget looked
 };
 
 Spot Look(const MachinePaths& paths, const std::string& path) {
   Spot spot;
   if (path.empty()) return spot;
   spot.allowed = !HasBadNameCharacter(paths.FullPath(path));
-  spot.host = paths.HostPath(path);
+  int refusal = 0;
+  spot.host = paths.HostPath(path, refusal);
   if (spot.allowed) spot.status = HostStatus::Of(spot.host);
+  if (!spot.status.exists && spot.status.refusal == 0) spot.status.refusal = refusal;
+  return spot;
+}
+
+// A spot whose file is to be replaced.
+Spot LookAtTarget(const MachinePaths& paths, const std::string& path) {
+  Spot spot = Look(paths, path);
+  spot.is_link = spot.allowed && IsHostLink(spot.host);
   return spot;
 }
 
@@ -90,7 +100,8 @@ int WriteNumber(const Spot& spot) {
 
 // 0 if the file at the spot may be made or replaced by another.
 int ReplaceNumber(const Spot& spot) {
-  const int number = WriteNumber(spot);
+  // Of a link to a file nothing matters: it goes, and what it points to stays.
+  const int number = spot.is_link && !spot.status.IsFolder() ? 0 : WriteNumber(spot);
   if (number != 0) return number;
   return HostStatus::Of(HostParent(spot.host)).WriteProtected() ? static_cast<int>(kErrorAccessDenied) : 0;
 }
@@ -110,7 +121,7 @@ int OpenForReading(const Spot& spot, OwnedFd& fd) {
 
 // Makes sure that a file which is to be replaced is free, and holds it.
 int HoldForReplacement(const Spot& spot, OwnedFd& fd) {
-  return spot.status.exists ? OpenLocked(spot, O_RDWR, true, fd) : 0;
+  return spot.status.exists && !spot.is_link ? OpenLocked(spot, O_RDWR, true, fd) : 0;
 }
 
 FileEntry EntryOf(const std::string& host, const HostStatus& status) {
@@ -137,6 +148,8 @@ Result<FileEntry> EmbeddedFileSystem::GetFile(const std::string& path) {
   return FileError(number, "look at", path);
 }
 
+bool EmbeddedFileSystem::IsLink(const std::string& path) { return LookAtTarget(paths_, path).is_link; }
+
 Result<std::vector<FileEntry>> EmbeddedFileSystem::List(const std::string& folder) {
   const Spot spot = Look(paths_, folder);
   if (!spot.status.IsFolder()) {
@@ -158,13 +171,14 @@ Result<std::vector<FileEntry>> EmbeddedFileSystem::List(const std::string& folde
 
 Status EmbeddedFileSystem::CopyFile(const std::string& from, const std::string& to, bool overwrite) {
   const Spot source = Look(paths_, from);
-  const Spot target = Look(paths_, to);
+  const Spot target = LookAtTarget(paths_, to);
   OwnedFd in;
   if (const int number = OpenForReading(source, in)) return FileError(number, "copy", from);
-  if (source.status.SameAs(target.status)) return {};
+  if (!target.is_link && source.status.SameAs(target.status)) return {};
 
   const auto failure = [&](int number) { return FileError(number, "copy " + from + " to", to); };
-  if (target.status.IsFile() && !target.status.WriteProtected() && !overwrite) {
+  const bool replaceable = target.is_link || !target.status.WriteProtected();
+  if ((target.is_link || target.status.IsFile()) && replaceable && !overwrite) {
     return failure(kErrorFileExists);
   }
   if (const int number = ReplaceNumber(target)) return failure(number);
@@ -236,7 +250,8 @@ Result<std::unique_ptr<FileHandle>> EmbeddedFileSystem::Open(const std::string& 
     number = OpenForReading(spot, fd);
   } else {
     number = WriteNumber(spot);
-    if (number == 0) number = OpenLocked(spot, O_RDWR | O_CREAT, true, fd);
+    const int create = spot.status.exists ? 0 : O_CREAT | O_NOFOLLOW;
+    if (number == 0) number = OpenLocked(spot, O_RDWR | create, true, fd);
   }
   if (number != 0) return FileError(number, "open", path);
   return std::unique_ptr<FileHandle>(std::make_unique<HostFileHandle>(std::move(fd), path));
@@ -252,7 +267,7 @@ Result<std::string> EmbeddedFileSystem::ReadFile(const std::string& path) {
 }
 
 Status EmbeddedFileSystem::WriteFile(const std::string& path, std::string_view bytes) {
-  const Spot spot = Look(paths_, path);
+  const Spot spot = LookAtTarget(paths_, path);
   int number = ReplaceNumber(spot);
   OwnedFd held;
   if (number == 0) number = HoldForReplacement(spot, held);
@@ -260,7 +275,8 @@ Status EmbeddedFileSystem::WriteFile(const std::string& path, std::string_view b
   Replacement file(spot.host);
   number = file.Create();
   if (number == 0) number = WriteAll(file.fd(), bytes);
-  if (number == 0 && spot.status.exists && ::fchmod(file.fd(), spot.status.info.st_mode & 0777) != 0) {
+  const bool keep_rights = spot.status.exists && !spot.is_link;
+  if (number == 0 && keep_rights && ::fchmod(file.fd(), spot.status.info.st_mode & 0777) != 0) {
     number = ErrorNumberOfErrno(errno);
   }
   if (number == 0) number = file.TakePlace();

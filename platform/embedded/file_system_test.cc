@@ -24,6 +24,10 @@ class EmbeddedUnderTest : public FileSystemUnderTest {
   void ProtectFolder(const std::string& path, bool protect) override {
     ASSERT_EQ(::chmod(files_.Paths().HostPath(path).c_str(), protect ? 0555 : 0755), 0);
   }
+  bool AddLink(const std::string& path, const std::string& target) override {
+    const MachinePaths paths = files_.Paths();
+    return ::symlink(paths.HostPath(target).c_str(), paths.HostPath(path).c_str()) == 0;
+  }
 
  private:
   embedded::TempMachine machine_;
@@ -97,12 +101,29 @@ TEST_F(EmbeddedFileSystemTest, LinksAreRemovedAndNeverFollowed) {
   EXPECT_TRUE(fs::exists(machine.OnC("Elsewhere/precious")));
 }
 
-TEST_F(EmbeddedFileSystemTest, AReplacedLinkKeepsPointing) {
+TEST_F(EmbeddedFileSystemTest, ALinkToNothingIsReplacedOrRefusedAndNothingIsMadeThere) {
+  fs::create_directories(machine.OnC("Elsewhere"));
+  for (const char* name : {"written", "copied", "opened", "folder"}) {
+    fs::create_symlink(machine.OnC("Elsewhere/none"), machine.OnC("Work") + "/" + name);
+    EXPECT_TRUE(files.IsLink(name)) << name;
+  }
+  machine.Put("drive_c/Work/new", "new");
+  EXPECT_TRUE(files.WriteFile("written", "new").ok());
+  EXPECT_TRUE(files.CopyFile("new", "copied", true).ok());
+  EXPECT_FALSE(files.Open("opened", OpenHow::kOpenOrCreateExclusive).ok());
+  EXPECT_FALSE(files.CreateFolder("folder").ok());
+  EXPECT_FALSE(fs::exists(machine.OnC("Elsewhere/none")));
+  EXPECT_EQ(files.ReadFile("written").value_or(""), "new");
+  EXPECT_EQ(files.ReadFile("copied").value_or(""), "new");
+}
+
+TEST_F(EmbeddedFileSystemTest, TheRightsOfWhatALinkPointsToDoNotMatterToItsReplacement) {
   machine.Put("drive_c/Elsewhere/real", "old");
+  ASSERT_EQ(::chmod(machine.OnC("Elsewhere/real").c_str(), 0400), 0);
   fs::create_symlink(machine.OnC("Elsewhere/real"), machine.OnC("Work/link"));
   EXPECT_TRUE(files.WriteFile("link", "new").ok());
-  EXPECT_TRUE(fs::is_symlink(machine.OnC("Work/link")));
-  EXPECT_EQ(files.ReadFile("C:\\Elsewhere\\real").value_or(""), "new");
+  EXPECT_EQ(files.ReadFile("C:\\Elsewhere\\real").value_or(""), "old");
+  EXPECT_FALSE(files.GetFile("link")->read_only);
 }
 
 TEST_F(EmbeddedFileSystemTest, AnExclusiveOpenKeepsOtherProcessesOut) {
@@ -139,6 +160,21 @@ class FullDisk {
   rlimit old_{};
   void (*handler_)(int) = nullptr;
 };
+
+TEST_F(EmbeddedFileSystemTest, AFileWhoseSpellingCannotBeFoundIsNotTakenForAMissingOne) {
+  machine.Put("drive_c/Work/Name", "x");
+  rlimit old{};
+  ::getrlimit(RLIMIT_NOFILE, &old);
+  const rlimit none{0, old.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);  // no folder can be listed
+  const int number = files.GetFile("NAME").number();
+  const int made = files.CreateFolder("NAME").number();
+  ::setrlimit(RLIMIT_NOFILE, &old);
+  EXPECT_EQ(number, kErrorIo);
+  EXPECT_EQ(made, kErrorIo);
+  EXPECT_TRUE(files.GetFile("NAME").ok());
+  EXPECT_EQ(files.GetFile("None").number(), kErrorFileNotFound);
+}
 
 TEST_F(EmbeddedFileSystemTest, AFailedCopyLeavesNoHalfWrittenFile) {
   machine.Put("drive_c/Work/big", std::string(300000, 'x'));

@@ -21,13 +21,6 @@ namespace {
 
 constexpr size_t kChunk = size_t{1} << 17;
 
-std::string ResolveLink(const std::string& path) {
-  struct stat info {};
-  if (::lstat(path.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return path;
-  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
-  return real == nullptr ? path : std::string(real.get());
-}
-
 }  // namespace
 
 OwnedFd& OwnedFd::operator=(OwnedFd&& other) noexcept {
@@ -44,6 +37,11 @@ HostStatus HostStatus::Of(const std::string& path) {
   status.exists = ::stat(path.c_str(), &status.info) == 0;
   if (!status.exists && errno != ENOENT && errno != ENOTDIR) status.refusal = ErrorNumberOfErrno(errno);
   return status;
+}
+
+bool IsHostLink(const std::string& path) {
+  struct stat info {};
+  return ::lstat(path.c_str(), &info) == 0 && S_ISLNK(info.st_mode);
 }
 
 std::string HostParent(const std::string& path) {
@@ -121,8 +119,6 @@ int CopyAll(int from, int to) {
     if (failed != 0) return failed;
   }
 }
-
-Replacement::Replacement(const std::string& target) : target_(ResolveLink(target)) {}
 
 Replacement::~Replacement() {
   if (!path_.empty()) ::unlink(path_.c_str());

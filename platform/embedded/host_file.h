@@ -28,8 +28,8 @@ class OwnedFd {
   int fd_;
 };
 
-/// What is at a host path, following links. `exists` false also when it cannot be looked at: then `refusal` is
-/// the number of the error, and 0 when there is nothing.
+/// What is at a host path, following links. `exists` false also when it cannot be looked at: then `refusal`
+/// is the number of the error, and 0 when there is nothing.
 struct HostStatus {
   bool exists = false;
   int refusal = 0;
@@ -43,6 +43,9 @@ struct HostStatus {
   }
   static HostStatus Of(const std::string& path);
 };
+
+/// Whether there is a link at a host path.
+bool IsHostLink(const std::string& path);
 
 /// The folder of a host path, and its last part.
 std::string HostParent(const std::string& path);
@@ -62,8 +65,8 @@ int CopyAll(int from, int to);
 /// folder, and it goes away when it never takes the place.
 class Replacement {
  public:
-  /// `target` is the host path whose place it takes; a link there is followed.
-  explicit Replacement(const std::string& target);
+  /// `target` is the host path whose place it takes; a link there is replaced, not followed.
+  explicit Replacement(std::string target) : target_(std::move(target)) {}
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;
   ~Replacement();

@@ -79,7 +79,9 @@ bool IsBusy(const FakeNode& node) { return node.held_exclusively || node.readers
 
 void ListTree(const FakeNode& folder, const std::string& prefix, std::vector<std::string>& lines) {
   for (const auto& [name, child] : folder.children) {
-    if (!child->is_folder) {
+    if (folder.links.contains(name)) {
+      lines.push_back(prefix + name);
+    } else if (!child->is_folder) {
       lines.push_back(prefix + child->name);
     } else if (child->children.empty()) {
       lines.push_back(prefix + child->name + "\\");
@@ -120,6 +122,21 @@ FakeFileSystem::Place FakeFileSystem::Find(const std::string& path) const {
   return place;
 }
 
+bool FakeFileSystem::IsLinkAt(const Place& place) {
+  return place.parent != nullptr && place.parent->links.contains(place.name);
+}
+
+FakeFileSystem::Place FakeFileSystem::FindTarget(const std::string& path) const {
+  Place place = Find(path);
+  if (IsLinkAt(place) && !place.node->is_folder) place.node = nullptr;
+  return place;
+}
+
+void FakeFileSystem::Erase(const Place& place) {
+  place.parent->children.erase(place.parent->children.find(place.name));
+  place.parent->links.erase(place.name);
+}
+
 std::shared_ptr<FakeNode> FakeFileSystem::MakeFolders(const std::string& full) {
   auto [anchor, parts] = TakeApart(full);
   parts.insert(parts.begin(), anchor);
@@ -143,6 +160,7 @@ void FakeFileSystem::AddFolder(const std::string& path) { MakeFolders(paths_.Ful
 void FakeFileSystem::AddFile(const std::string& path, std::string_view bytes, bool read_only) {
   const std::string full = paths_.FullPath(path);
   const auto folder = MakeFolders(ParentOf(full));
+  if (folder->links.erase(FileNameOf(full)) != 0) folder->children.erase(FileNameOf(full));
   std::shared_ptr<FakeNode>& node = folder->children[FileNameOf(full)];
   if (node == nullptr) {
     node = std::make_shared<FakeNode>();
@@ -150,6 +168,13 @@ void FakeFileSystem::AddFile(const std::string& path, std::string_view bytes, bo
   }
   node->bytes.assign(bytes);
   node->read_only = read_only;
+}
+
+void FakeFileSystem::AddLink(const std::string& path, const std::string& target) {
+  const std::string full = paths_.FullPath(path);
+  const auto folder = MakeFolders(ParentOf(full));
+  folder->children[FileNameOf(full)] = Find(target).node;
+  folder->links.insert(FileNameOf(full));
 }
 
 void FakeFileSystem::ProtectFolder(const std::string& path, bool protect) {
@@ -220,6 +245,8 @@ Result<FileEntry> FakeFileSystem::GetFile(const std::string& path) {
   return EntryOf(*place.node);
 }
 
+bool FakeFileSystem::IsLink(const std::string& path) { return IsLinkAt(Find(path)); }
+
 Result<std::vector<FileEntry>> FakeFileSystem::List(const std::string& folder) {
   if (const int number = Ordered(FileOperation::kList, folder)) return FileError(number, "list", folder);
   const Place place = Find(folder);
@@ -228,7 +255,10 @@ Result<std::vector<FileEntry>> FakeFileSystem::List(const std::string& folder) {
                      folder);
   }
   std::vector<FileEntry> entries;
-  for (const auto& [name, child] : place.node->children) entries.push_back(EntryOf(*child));
+  for (const auto& [name, child] : place.node->children) {
+    entries.push_back(EntryOf(*child));
+    if (place.node->links.contains(name)) entries.back().name = name;
+  }
   return entries;
 }
 
@@ -248,11 +278,13 @@ Status FakeFileSystem::CopyFile(const std::string& from, const std::string& to, 
   const Place source = Find(from);
   if (source.node == nullptr) return FileError(MissingNumber(source), "copy", from);
   if (source.node->is_folder) return FileError(kErrorAccessDenied, "copy", from);
-  const Place target = Find(to);
+  const Place target = FindTarget(to);
   if (source.node == target.node) return {};
   if (source.node->held_exclusively) return FileError(kErrorSharingViolation, "copy", from);
   const bool read_only = target.node != nullptr && target.node->read_only;
-  if (target.node != nullptr && !target.node->is_folder && !read_only && !overwrite) {
+  const bool is_file = target.node != nullptr && !target.node->is_folder;
+  const bool is_link = target.node == nullptr && IsLinkAt(target);
+  if (((is_file && !read_only) || is_link) && !overwrite) {
     return FileError(kErrorFileExists, "copy " + from + " to", to);
   }
   number = WriteNumber(target);
@@ -272,14 +304,17 @@ Status FakeFileSystem::DeleteFile(const std::string& path, bool force) {
   if (IsBusy(*place.node) || place.node->databases > 0) {
     return FileError(kErrorSharingViolation, "delete", path);
   }
-  place.parent->children.erase(place.parent->children.find(place.name));
+  Erase(place);
   log.push_back("delete " + path);
   return {};
 }
 
 Status FakeFileSystem::DeleteTree(const Place& place, bool force) {
   std::vector<std::string> names;
-  for (const auto& [name, child] : place.node->children) names.push_back(child->name);
+  const bool is_link = IsLinkAt(place);
+  if (!is_link) {
+    for (const auto& [name, child] : place.node->children) names.push_back(name);
+  }
   for (const std::string& name : names) {
     const Place below = Find(JoinPath(place.full, name));
     if (below.node->is_folder) {
@@ -291,7 +326,7 @@ Status FakeFileSystem::DeleteTree(const Place& place, bool force) {
     if (IsBusy(*below.node) || below.node->databases > 0) {
       return FileError(kErrorSharingViolation, "delete", below.full);
     }
-    place.node->children.erase(name);
+    Erase(below);
   }
   if (place.parent == nullptr || place.parent->write_protected) {
     return FileError(kErrorAccessDenied, "delete", place.full);
@@ -299,7 +334,7 @@ Status FakeFileSystem::DeleteTree(const Place& place, bool force) {
   if (EqualsNoCase(place.full, CurrentFolder())) {
     return FileError(kErrorSharingViolation, "delete", place.full);
   }
-  place.parent->children.erase(place.parent->children.find(place.name));
+  Erase(place);
   return {};
 }
 
@@ -371,7 +406,7 @@ Result<std::string> FakeFileSystem::ReadFile(const std::string& path) {
 
 Status FakeFileSystem::WriteFile(const std::string& path, std::string_view bytes) {
   if (const int number = Ordered(FileOperation::kWriteFile, path)) return FileError(number, "write", path);
-  const Place place = Find(path);
+  const Place place = FindTarget(path);
   if (const int number = WriteNumber(place)) return FileError(number, "write", path);
   AddFile(path, bytes);
   log.push_back("write " + path);

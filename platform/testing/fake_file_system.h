@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,7 +42,8 @@ struct FakeNode {
   std::map<std::string, std::shared_ptr<FakeNode>, LessNoCase> children;
   int readers = 0;
   bool held_exclusively = false;
-  int databases = 0;  ///< opened through FakeFileSystem::HostFiles
+  int databases = 0;                        ///< opened through FakeFileSystem::HostFiles
+  std::set<std::string, LessNoCase> links;  ///< those of the children that are other nodes' by a link
 };
 
 /// Files and folders in memory, with the whole contract of FileSystem and failures to order. Begins with an
@@ -54,6 +56,8 @@ class FakeFileSystem : public FileSystem {
   // What a test sets up. Folders on the way are made; other drives and shares too.
   void AddFolder(const std::string& path);
   void AddFile(const std::string& path, std::string_view bytes, bool read_only = false);
+  /// A link to a file or folder that is there.
+  void AddLink(const std::string& path, const std::string& target);
   /// Makes a folder one in which nothing can be made or deleted.
   void ProtectFolder(const std::string& path, bool protect = true);
   /// The `nth` call (from 1, counted from now) of `operation` on `path` fails with `number` and does nothing.
@@ -86,6 +90,7 @@ class FakeFileSystem : public FileSystem {
   bool FileExists(const std::string& path) override;
   bool FolderExists(const std::string& path) override;
   Result<FileEntry> GetFile(const std::string& path) override;
+  bool IsLink(const std::string& path) override;
   Result<std::vector<FileEntry>> List(const std::string& folder) override;
   Status CopyFile(const std::string& from, const std::string& to, bool overwrite) override;
   Status DeleteFile(const std::string& path, bool force) override;
@@ -110,6 +115,10 @@ class FakeFileSystem : public FileSystem {
   Place Find(const std::string& path) const;
   std::shared_ptr<FakeNode> MakeFolders(const std::string& full);
   static int MissingNumber(const Place& place);
+  /// The place itself; one with nothing in it in the place of a link to a file, which is to be replaced.
+  Place FindTarget(const std::string& path) const;
+  static bool IsLinkAt(const Place& place);
+  static void Erase(const Place& place);
   /// 0, or the number that was ordered for this call.
   int Ordered(FileOperation operation, const std::string& path);
   int WriteNumber(const Place& place) const;

@@ -13,6 +13,10 @@ class FakeUnderTest : public FileSystemUnderTest {
   FileSystem& Files() override { return files_; }
   std::string Folder() override { return "C:\\Work"; }
   void ProtectFolder(const std::string& path, bool protect) override { files_.ProtectFolder(path, protect); }
+  bool AddLink(const std::string& path, const std::string& target) override {
+    files_.AddLink(path, target);
+    return true;
+  }
 
  private:
   FakeFileSystem files_;

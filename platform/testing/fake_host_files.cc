@@ -88,7 +88,8 @@ Status FakeHostFiles::Rename(const std::string& from, const std::string& to) {
   if (target.parent->write_protected || source.parent->write_protected) {
     return FileError(kErrorAccessDenied, "rename", from);
   }
-  source.parent->children.erase(source.parent->children.find(source.name));
+  FakeFileSystem::Erase(source);
+  target.parent->links.erase(target.name);
   source.node->name = target.name;
   target.parent->children[target.name] = source.node;
   return {};
@@ -100,14 +101,14 @@ Status FakeHostFiles::Remove(const std::string& path) {
     return FileError(FakeFileSystem::MissingNumber(place), "remove", path);
   }
   if (place.parent->write_protected) return FileError(kErrorAccessDenied, "remove", path);
-  place.parent->children.erase(place.parent->children.find(place.name));
+  FakeFileSystem::Erase(place);
   return {};
 }
 
 bool FakeHostFiles::Exists(const std::string& path) { return files_.Find(path).node != nullptr; }
 
 Status FakeHostFiles::CreateFolder(const std::string& path) {
-  return files_.FolderExists(path) ? Status() : files_.CreateFolder(path);
+  return files_.FolderExists(path) && !files_.IsLink(path) ? Status() : files_.CreateFolder(path);
 }
 
 }  // namespace kw::platform::testing

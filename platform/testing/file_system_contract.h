@@ -28,6 +28,8 @@ class FileSystemUnderTest {
   virtual std::string Folder() = 0;
   /// Makes a folder one in which nothing can be made or deleted, or an ordinary one again.
   virtual void ProtectFolder(const std::string& path, bool protect) = 0;
+  /// Makes a link to a file or folder that is there. False where links cannot be made.
+  virtual bool AddLink(const std::string& path, const std::string& target) = 0;
 };
 
 class FileSystemContract
@@ -51,6 +53,9 @@ class FileSystemContract
     for (const FileEntry& entry : *entries) names.push_back(entry.name);
     return names;
   }
+  bool Link(const std::string& name, const std::string& target) {
+    return under_test_->AddLink(In(name), In(target));
+  }
   void Protect(const std::string& path, bool protect) { under_test_->ProtectFolder(path, protect); }
 
  private:
@@ -63,6 +68,44 @@ class FileSystemContract
 };
 
 using ::testing::ElementsAre;
+
+TEST_P(FileSystemContract, ALinkToAFileIsReplacedAndNeverWrittenThrough) {
+  Write("kept", "kept");
+  Write("new", "new");
+  if (!Link("written", "kept") || !Link("copied", "kept")) GTEST_SKIP() << "no links here";
+  EXPECT_TRUE(files.IsLink(In("written")));
+  EXPECT_EQ(Read("written"), "kept");
+  Write("written", "new");
+  EXPECT_EQ(files.CopyFile(In("new"), In("copied"), false).number(), kErrorFileExists);
+  EXPECT_TRUE(files.IsLink(In("copied")));
+  EXPECT_TRUE(files.CopyFile(In("new"), In("copied"), true).ok());
+  for (const char* name : {"written", "copied"}) {
+    EXPECT_FALSE(files.IsLink(In(name))) << name;
+    EXPECT_EQ(Read(name), "new") << name;
+  }
+  EXPECT_EQ(Read("kept"), "kept");
+  ASSERT_TRUE(Link("again", "kept"));
+  EXPECT_TRUE(files.CopyFile(In("kept"), In("again"), true).ok());
+  EXPECT_FALSE(files.IsLink(In("again")));
+  EXPECT_TRUE(files.DeleteFile(In("again"), false).ok());
+  EXPECT_EQ(Read("kept"), "kept");
+}
+
+TEST_P(FileSystemContract, ALinkToAFolderIsNoPlaceForAFolderAndIsDeletedAlone) {
+  ASSERT_TRUE(files.CreateFolder(In("kept")).ok());
+  Write("kept\\file", "kept");
+  if (!Link("link", "kept")) GTEST_SKIP() << "no links here";
+  EXPECT_TRUE(files.IsLink(In("link")));
+  EXPECT_FALSE(files.IsLink(In("kept")));
+  EXPECT_FALSE(files.IsLink(In("link\\file")));
+  EXPECT_FALSE(files.IsLink(In("none")));
+  EXPECT_EQ(files.CreateFolder(In("link")).number(), kErrorAlreadyExists);
+  EXPECT_EQ(files.WriteFile(In("link"), "x").number(), kErrorAccessDenied);
+  EXPECT_EQ(files.CopyFile(In("kept\\file"), In("link"), true).number(), kErrorAccessDenied);
+  EXPECT_TRUE(files.DeleteFolder(In("link"), true).ok());
+  EXPECT_FALSE(files.FolderExists(In("link")));
+  EXPECT_EQ(Read("kept\\file"), "kept");
+}
 
 TEST_P(FileSystemContract, NamesAreFoundWithoutRegardToCaseBeyondAscii) {
   Write("Größe Ärger.TXT", "a");

@@ -100,7 +100,8 @@ int OpenExclusively(const Spot& spot, DWORD creation, OwnedHandle& file) {
 // 0 if the file at the spot may take another content as a whole: nobody has it open.
 int ReplaceNumber(const Spot& spot) {
   const int number = WriteNumber(spot);
-  if (number != 0 || !spot.exists) return number;
+  // The file that a link points to is not replaced.
+  if (number != 0 || !spot.exists || spot.IsLink()) return number;
   OwnedHandle file;
   return OpenExclusively(spot, OPEN_EXISTING, file);
 }
@@ -201,6 +202,8 @@ Result<FileEntry> WindowsFileSystem::GetFile(const std::string& path) {
   return EntryOf(found);
 }
 
+bool WindowsFileSystem::IsLink(const std::string& path) { return Spot::Of(path).IsLink(); }
+
 Result<std::vector<FileEntry>> WindowsFileSystem::List(const std::string& folder) {
   const Spot spot = Spot::Of(folder);
   if (!spot.IsFolder()) {
@@ -237,7 +240,7 @@ Status WindowsFileSystem::CopyFile(const std::string& from, const std::string& t
     OwnedHandle in;
     if (const int number = OpenForReading(source, in)) return FileError(number, "copy", from);
   }
-  if (SameFile(source, target)) return {};
+  if (!target.IsLink() && SameFile(source, target)) return {};
 
   const auto failure = [&](int number) { return FileError(number, "copy " + from + " to", to); };
   if (target.IsFile() && !target.ReadOnly() && !overwrite) return failure(kErrorFileExists);
@@ -315,7 +318,7 @@ Result<std::unique_ptr<FileHandle>> WindowsFileSystem::Open(const std::string& p
     number = OpenForReading(spot, file);
   } else {
     number = WriteNumber(spot);
-    if (number == 0) number = OpenExclusively(spot, OPEN_ALWAYS, file);
+    if (number == 0) number = OpenExclusively(spot, spot.exists ? OPEN_EXISTING : OPEN_ALWAYS, file);
   }
   if (number != 0) return FileError(number, "open", path);
   return std::unique_ptr<FileHandle>(std::make_unique<OpenFileHandle>(std::move(file), path));

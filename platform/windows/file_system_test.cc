@@ -6,6 +6,7 @@
 
 #include "platform/testing/file_system_contract.h"
 #include "platform/windows/deny_changes.h"
+#include "platform/windows/system_headers.h"
 #include "platform/windows/temp_folder.h"
 #include "platform/windows/wide.h"
 
@@ -17,6 +18,12 @@ class WindowsUnderTest : public FileSystemUnderTest {
   FileSystem& Files() override { return files_; }
   std::string Folder() override { return folder_.path(); }
   void ProtectFolder(const std::string& path, bool protect) override { windows::DenyChanges(path, protect); }
+  bool AddLink(const std::string& path, const std::string& target) override {
+    const DWORD kind = files_.FolderExists(target) ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0;
+    // Some systems say that they made one and did not.
+    return CreateSymbolicLinkW(windows::Wide(path).c_str(), windows::Wide(target).c_str(), kind) != 0 &&
+           files_.IsLink(path);
+  }
 
  private:
   windows::TempFolder folder_;

@@ -28,6 +28,15 @@ bool Spot::IsFolder() const { return exists && (attributes & FILE_ATTRIBUTE_DIRE
 bool Spot::IsFile() const { return exists && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0; }
 bool Spot::ReadOnly() const { return exists && (attributes & FILE_ATTRIBUTE_READONLY) != 0; }
 
+bool Spot::IsLink() const {
+  if (!exists || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return false;
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = FindFirstFileW(call.c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return false;
+  FindClose(search);
+  return found.dwReserved0 == IO_REPARSE_TAG_SYMLINK || found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT;
+}
+
 Spot Spot::Of(std::string_view path) {
   Spot spot;
   if (path.empty()) return spot;

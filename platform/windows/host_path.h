@@ -24,6 +24,8 @@ struct Spot {
   bool IsFolder() const;
   bool IsFile() const;
   bool ReadOnly() const;
+  /// A symbolic link or a junction.
+  bool IsLink() const;
 
   static Spot Of(std::string_view path);
 };

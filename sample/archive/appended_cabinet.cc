@@ -80,7 +80,7 @@ Status Join(Storage& storage, const std::string& program, uint64_t program_size,
   KW_ASSIGN_OR_RETURN(auto front, storage.Open(program, Storage::Mode::kRead));
   KW_ASSIGN_OR_RETURN(auto back, storage.Open(cabinet, Storage::Mode::kRead));
   KW_ASSIGN_OR_RETURN(const uint64_t size, back->Size());
-  KW_ASSIGN_OR_RETURN(auto joined, storage.Open(out, Storage::Mode::kCreateAlways));
+  KW_ASSIGN_OR_RETURN(auto joined, OpenAnew(storage, out));
   uint64_t at = 0;
   KW_RETURN_IF_ERROR(CopyBytes(*front, program_size, *joined, at));
   KW_RETURN_IF_ERROR(CopyBytes(*back, size, *joined, at));

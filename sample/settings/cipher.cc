@@ -112,7 +112,7 @@ Status ConvertFile(Storage& storage, const std::string& source, const std::strin
   Status status;
   {
     KW_ASSIGN_OR_RETURN(auto from, storage.Open(source, Storage::Mode::kRead));
-    KW_ASSIGN_OR_RETURN(auto to, storage.Open(part, Storage::Mode::kCreateAlways));
+    KW_ASSIGN_OR_RETURN(auto to, OpenAnew(storage, part));
     status = convert(*from, *to);
   }
   if (status.ok()) status = storage.Rename(part, target);
