@@ -21,7 +21,6 @@ class frmFeatures : public WizardPage {
   void ReadConfig() override;
   void AddChoices(ui::ListBox& list) override;
 
-  std::vector<const ui::PopupMenu*> Menus() const override { return {&mnuFeatureState}; }
 
   ui::Label Label3;
   ui::Label Label1;

@@ -59,8 +59,6 @@ class Form {
   const std::vector<Control*>& Controls() const { return controls_; }
   /// The control of that name, or a null pointer.
   Control* FindControl(std::string_view name) const;
-  /// The pop-up menus of the form, for adapters that list them.
-  virtual std::vector<const PopupMenu*> Menus() const { return {}; }
 
   /// True if a person can act on it now: it is visible, enabled and not busy.
   bool UserCanUse() const { return visible_ && enabled_ && pointer_ == Pointer::kDefault; }
