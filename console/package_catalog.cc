@@ -17,8 +17,7 @@ using platform::XmlNode;
 constexpr const char* kCatalogName = "PkgCatalog.XML";
 constexpr const char* kNoTemplate =
     "Could not load PKGCATALOG.XML template file.  You will be unable to add this installation package to "
-    "the Stratocon "
-    "site manager.";
+    "the Stratocon site manager.";
 
 bool EndsWithAny(const std::string& name, std::initializer_list<std::string_view> endings) {
   for (const std::string_view ending : endings) {
@@ -43,8 +42,7 @@ class Catalog {
     if (!document.ok()) {
       services_.dialogs->Message(
           "Unable to load PkgCatalog.XML, you will be unable to add this installation package to the "
-          "Stratocon site "
-          "manager.  Please verify that Internet Explorer 5 or later is installed.");
+          "Stratocon site manager.  Please verify that Internet Explorer 5 or later is installed.");
       return;
     }
     document_ = std::move(*document);
@@ -91,8 +89,7 @@ class Catalog {
     if (!disk_.FileExists(source)) {
       services_.dialogs->Message(
           "Could not find detection script file.  You will be unable to add this installation package to the "
-          "Stratocon "
-          "site manager.");
+          "Stratocon site manager.");
       return false;
     }
     disk_.CopyFile(source, output_ + request_.detection_script, true).IgnoreError();
@@ -107,8 +104,7 @@ class Catalog {
     if (!disk_.FileExists(output_ + request_.install_name)) {
       services_.dialogs->Message(
           "Could not find install script file.  You will be unable to add this installation package to the "
-          "Stratocon "
-          "site manager.");
+          "Stratocon site manager.");
       return false;
     }
     auto command = lang_package_->SelectSingleNode("InstallCommand");
@@ -184,8 +180,7 @@ void WriteInstallDescriptor(PageContext& context, FileListPtr& files, const std:
   if (!CopyFileToFolder(services, source, output_folder, files)) {
     services.dialogs->Message(
         "Could not copy INSTALL.PKG template file.  You will be unable to add this installation package to "
-        "the Stratocon "
-        "repository.");
+        "the Stratocon repository.");
     return;
   }
   const std::string descriptor = output_folder + "\\Install.pkg";

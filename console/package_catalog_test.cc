@@ -16,19 +16,16 @@ using ::testing::Not;
 
 const std::string kNoTemplate =
     "message Could not load PKGCATALOG.XML template file.  You will be unable to add this installation "
-    "package "
-    "to the Stratocon site manager.";
+    "package to the Stratocon site manager.";
 const std::string kNoScript =
     "message Could not find detection script file.  You will be unable to add this installation package to "
-    "the "
-    "Stratocon site manager.";
+    "the Stratocon site manager.";
 const std::string kNoInstallFile =
     "message Could not find install script file.  You will be unable to add this installation package to the "
     "Stratocon site manager.";
 const std::string kNotSigned =
     "message Could not create PKGCATALOG.Z file. Template file may be corrupted.  You will be unable to add "
-    "this "
-    "installation package to the Stratocon site manager.";
+    "this installation package to the Stratocon site manager.";
 
 struct PackageCatalogTest : ConsoleFixture, ::testing::Test {
   std::vector<std::string> Write() {

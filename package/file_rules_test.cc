@@ -169,8 +169,7 @@ TEST_F(FileCopyTest, AMissingSourceIsAskedForUntilItIsThere) {
   EXPECT_FALSE(CopyFileToFolder(machine.services, "C:\\From\\no.txt", "C:\\To", list));
   const char* question =
       "question Could not copy the source file C:\\From\\no.txt.  Please verify that the file exists and "
-      "that "
-      "you have permissions to access it. [Retry|Cancel] default=Retry -> ";
+      "that you have permissions to access it. [Retry|Cancel] default=Retry -> ";
   EXPECT_THAT(machine.transcript.Take(),
               ElementsAre(std::string(question) + "Retry", std::string(question) + "Cancel"));
   ASSERT_TRUE(list);

@@ -79,8 +79,7 @@ TEST_F(CabinetRebuildTest, AnEmptyMediaTableGetsItsFirstDisk) {
 TEST_F(CabinetRebuildTest, EqualSequenceNumbersAreRenumberedAndLaterOnesFollow) {
   Sql("update `File` set `Sequence` = 2 where `File` = 'main.exe'");
   Sql("insert into `File` (`File`, `Component_`, `FileName`, `FileSize`, `Attributes`, `Sequence`) values "
-      "('z.dll', "
-      "'Main', 'z.dll', 1, 0, 2)");
+      "('z.dll', 'Main', 'z.dll', 1, 0, 2)");
   EXPECT_TRUE(Rebuild());
   EXPECT_THAT(Sequences(), ElementsAre("main.exe|2", "help.chm|3", "z.dll|4"));
   EXPECT_THAT(Rows("select `LastSequence` from `Media`"), ElementsAre("4"));

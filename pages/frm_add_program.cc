@@ -66,8 +66,7 @@ bool frmAddProgram::DuplicateIsWanted() {
     if (!EqualsNoCase(grid.Cell(row, frmPrograms::kRealFile), ExeFileName.Text())) continue;
     return context_.services.dialogs->Question(
                "This program has been added previously. Click OK to add the program again or Cancel to enter "
-               "another "
-               "program.",
+               "another program.",
                {platform::Answer::kOk, platform::Answer::kCancel}, platform::Answer::kOk,
                "") == platform::Answer::kOk;
   }

@@ -10,8 +10,7 @@ using platform::Answer;
 frmAddRemoveOptions::frmAddRemoveOptions(PageContext& context)
     : WizardPage(context, kName, "Add/Remove Options", "Label1",
                  "These options control the information in the \"Add/Remove Programs\" control panel for the "
-                 "installed "
-                 "product.",
+                 "installed product.",
                  1016),
       Frame2(*this, "Frame2", "All Windows Operating Systems"),
       AllowRemove(*this, "AllowRemove", "&Allow user to uninstall"),

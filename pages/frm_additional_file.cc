@@ -130,16 +130,14 @@ bool frmAdditionalFile::InputIsValid() {
     if (SubFolders.Text().find_first_of("|><\"?*:") != std::string::npos) {
       dialogs.Message(
           "Subfolders cannot contain any of the following characters: | > < \\\" ? * :. Please identify "
-          "another "
-          "subfolder, or rename the subfolder.");
+          "another subfolder, or rename the subfolder.");
       SubFolders.SelectField();
       return false;
     }
     if (AddingNew && IsDuplicate()) {
       dialogs.Message(
           "You attempted to add a duplicate file.  Please select a different file or click Cancel to return "
-          "to the "
-          "wizard.");
+          "to the wizard.");
       SourceFile.SelectField();
       return false;
     }
@@ -180,8 +178,7 @@ void frmAdditionalFile::OnOk() {
     }
     context_.services.dialogs->Message(
         "Unable to open the source file.  Please verify that the file exists and that you have the "
-        "appropriate "
-        "permissions to access the file.");
+        "appropriate permissions to access the file.");
     SourceFile.SelectField();
     return;
   }

@@ -25,8 +25,7 @@ struct AdditionalFilesTest : PageFixture<frmAdditionalFiles>, ::testing::Test {
       machine.files.AddFile("C:\\Temp\\run\\Cab1.CAB", "new cabinet");
     });
     Sql("insert into `Directory` (`Directory`, `Directory_Parent`, `DefaultDir`) values ('WindowsFolder', "
-        "'TARGETDIR', "
-        "'WINDIR|Windows')");
+        "'TARGETDIR', 'WINDIR|Windows')");
   }
   frmAdditionalFile& dialog() { return table.Get<frmAdditionalFile>(); }
   void Fill(const std::string& path, const std::string& folder, const std::string& subfolders) {

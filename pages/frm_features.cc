@@ -124,9 +124,8 @@ Status frmFeatures::RunCommand(int node) {
     const bool proceed = page.empty() || !navigator_.PageIsConfigured(page) ||
                          services_.dialogs->Question(
                              "You may have already customized the settings for this feature.  Your "
-                             "customized settings cannot be used "
-                             "if the feature is not installed.  Would you like to disable installation of "
-                             "this feature anyway?",
+                             "customized settings cannot be used if the feature is not installed.  Would you "
+                             "like to disable installation of this feature anyway?",
                              {platform::Answer::kYes, platform::Answer::kNo}, platform::Answer::kYes,
                              "") == platform::Answer::kYes;
     if (proceed) return DisableBranch(node, page);

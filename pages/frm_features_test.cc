@@ -23,8 +23,7 @@ struct FeaturesTest : PageFixture<frmFeatures>, ::testing::Test {
                   int level) {
     SqlInSource(
         "insert into `Feature` (`Feature`, `Feature_Parent`, `Title`, `Display`, `Level`, `Attributes`) "
-        "values "
-        "('" +
+        "values ('" +
         key + "', '" + parent + "', '" + title + "', " + std::to_string(display) + ", " +
         std::to_string(level) + ", 0)");
   }
@@ -105,8 +104,7 @@ TEST_F(FeaturesTest, RequiredFeaturesAndWhatLiesBelowThemAreNotShown) {
 
 TEST_F(FeaturesTest, TheRowOfTheFixedKeyIsLeftOut) {
   Sql("insert into `Feature` (`Feature`, `Title`, `Display`, `Level`, `Attributes`) values ('_id_feature', "
-      "'x', 1, 1, "
-      "0)");
+      "'x', 1, 1, 0)");
   Open();
   EXPECT_THAT(Items(), Not(Contains("x=Installed")));
 }

@@ -104,8 +104,7 @@ bool frmRegistrySettings::TakeFromSource(Slot& slot, ui::Option& option) {
   if (!DecryptFile(services_, base + ".CFG", base + ".REG")) {
     services_.dialogs->Message(
         "Could not decrypt the configuration registry file.  The file will not be used.  Please specify a "
-        "new registry "
-        "file on the Registry settings page.");
+        "new registry file on the Registry settings page.");
   }
   slot.box->SetText(MarkerOf(slot));
   slot.path = base + ".REG";

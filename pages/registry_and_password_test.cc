@@ -13,8 +13,7 @@ using testing::PageFixture;
 
 constexpr const char* kNotAgain =
     "message This file name cannot be changed because it was previously added to the installation package.  "
-    "You may "
-    "continue with this file as it is or choose a completely new file.";
+    "You may continue with this file as it is or choose a completely new file.";
 
 struct RegistrySettingsTest : PageFixture<frmRegistrySettings>, ::testing::Test {
   RegistrySettingsTest() {

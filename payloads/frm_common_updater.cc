@@ -16,8 +16,7 @@ constexpr const char* kAgentRow = "Callagentpkg";
 constexpr unsigned kAgentChecks = kCheckCharacters | kCheckLocal | kCheckUnc | kCheckFileExists;
 constexpr const char* kCouldNotConfigure =
     "Could not configure the AutoUpdate repository list.\r\nPlease make sure that Kestrane Enterprise is "
-    "installed "
-    "correctly.";
+    "installed correctly.";
 
 }  // namespace
 
@@ -68,8 +67,7 @@ bool frmCommonUpdater::ReadAgentFolders(AgentFolders& folders) {
   if (!folders.data.empty() && !folders.installed.empty()) return true;
   services_.dialogs->Message(
       "Could not find the Agent Core installation path. \r\nPlease make sure that Kestrane Enterprise is "
-      "installed "
-      "correctly.");
+      "installed correctly.");
   return false;
 }
 
@@ -91,8 +89,7 @@ void frmCommonUpdater::ReadConfig() {
   if (services_.files->FileExists(WorkingList()) && !IsLoadableXmlFile(services_, WorkingList())) {
     services_.dialogs->Message(
         "This package's AutoUpdate configuration is not valid.  You may configure update site settings on "
-        "the "
-        "AutoUpdate Configuration page.");
+        "the AutoUpdate Configuration page.");
   }
   AdjustControls();
 }
@@ -174,8 +171,7 @@ bool frmCommonUpdater::AgentIsValid() {
     if (text == marker) return true;
     services_.dialogs->Message(
         "This file name AgentPkg.exe cannot be changed because it was previously added to the installation "
-        "package.  "
-        "You may continue with this file as it is or choose a completely new file.");
+        "package.  You may continue with this file as it is or choose a completely new file.");
     NewCommonAgentFile.SetText(marker);
     return false;
   }

@@ -22,15 +22,13 @@ constexpr const char* kLiveList = "<SiteLists from=\"machine\"/>";
 constexpr const char* kPackageList = "<SiteLists from=\"package\"/>";
 const std::string kNoAgent =
     "message Could not find the Agent Core installation path. <CR><LF>Please make sure that Kestrane "
-    "Enterprise "
-    "is installed correctly.";
+    "Enterprise is installed correctly.";
 const std::string kNotConfigured =
     "message Could not configure the AutoUpdate repository list.<CR><LF>Please make sure that Kestrane "
     "Enterprise is installed correctly.";
 const std::string kBadList =
     "message This package's AutoUpdate configuration is not valid.  You may configure update site settings "
-    "on "
-    "the AutoUpdate Configuration page.";
+    "on the AutoUpdate Configuration page.";
 const std::string kNoXml =
     "message Only .XML files are allowed.  Please select a valid .XML file or click Cancel to return to the "
     "wizard.";

@@ -215,8 +215,7 @@ bool frmDATsAndEngine::ExtractZIPFiles(ui::TextBox*& focus) {
   if (!with_dat && !with_engine) {
     services_.dialogs->Message(
         "Please enter a valid path to a valid DAT package, engine package or both, or select one of the "
-        "other "
-        "options.");
+        "other options.");
     focus = &DATPath;
     return false;
   }
@@ -228,8 +227,7 @@ bool frmDATsAndEngine::ExtractZIPFiles(ui::TextBox*& focus) {
     if (EngineVersion == kNoVersion) {
       services_.dialogs->Message(
           "Unable to determine the version of the provided engine file.  Please verify that the given engine "
-          "file is "
-          "valid.");
+          "file is valid.");
       DeleteUnpacked();
       focus = &EnginePath;
       return false;

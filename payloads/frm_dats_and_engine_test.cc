@@ -214,8 +214,7 @@ TEST_F(DatsAndEngineTest, WithoutAChosenArchiveNoWayLeadsOutNotEvenBack) {
   Choose("", "");
   const std::string refusal =
       "message Please enter a valid path to a valid DAT package, engine package or both, or select one of "
-      "the "
-      "other options.";
+      "the other options.";
   for (ui::Button* button : {page().Next.get(), page().Back.get(), page().Finsh.get()}) {
     button->UserClick();
     EXPECT_THAT(Take(), ElementsAre(refusal));

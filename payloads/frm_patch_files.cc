@@ -88,8 +88,7 @@ std::string frmPatchFiles::AskForPatch(const std::string& current_path, int skip
     if (!EndsWithNoCase(name, ".msp")) {
       services_.dialogs->Message(
           "You attempted to add a file that does not have the .MSP extension.  Please select a valid patch "
-          "file with "
-          "the .MSP extension or click Cancel to return to the wizard.");
+          "file with the .MSP extension or click Cancel to return to the wizard.");
       continue;
     }
     bool duplicate = false;
@@ -99,8 +98,7 @@ std::string frmPatchFiles::AskForPatch(const std::string& current_path, int skip
     if (!duplicate) return name;
     services_.dialogs->Message(
         "You attempted to add a duplicate file.  Please select a different file or click Cancel to return to "
-        "the "
-        "wizard.");
+        "the wizard.");
   }
   return {};
 }

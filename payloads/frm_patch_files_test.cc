@@ -18,8 +18,7 @@ const std::string kNoPatch =
     "file with the .MSP extension or click Cancel to return to the wizard.";
 const std::string kDuplicate =
     "message You attempted to add a duplicate file.  Please select a different file or click Cancel to "
-    "return "
-    "to the wizard.";
+    "return to the wizard.";
 
 struct PatchFilesTest : PageFixture<frmPatchFiles>, ::testing::Test {
   PatchFilesTest() {

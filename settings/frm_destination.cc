@@ -136,8 +136,7 @@ bool frmDestination::MakeDestination(const std::string& file_path) {
     if (!services_.files->FolderExists(folder)) {
       services_.dialogs->Message(
           "Unable to create the folder.  Please verify that the drive is accessible and that you have the "
-          "correct "
-          "permissions to create a folder.");
+          "correct permissions to create a folder.");
       return false;
     }
     run_.DestinationInUse = true;

@@ -21,8 +21,7 @@ bool IsScanTaskKey(platform::Services& services, platform::Hive root, const std:
 frmScheduledScan::frmScheduledScan(PageContext& context)
     : TaskPage(context, kName, "Scheduled Scans",
                "Configure and schedule on-demand scans with On-Demand Scan Properties to specify when to "
-               "scan, what to "
-               "scan, and what to do when viruses and infected files are found.",
+               "scan, what to scan, and what to do when viruses and infected files are found.",
                1008, context.run.changes.ConfigChangedScan, "AddScheduledTasks", kDefaultTask),
       NewButton(*this, "NewButton", "&Add...") {
   NewButton.on_click = [this] { NewTask(NewTaskName(), TaskKind::kScan); };

@@ -57,8 +57,7 @@ class Import {
     if (files_.FileExists(folder_ + "\\KTE700.CFG")) return true;
     Tell(
         "The provided cab file does not appear to contain Kestrane Enterprise settings.  Please choose a "
-        "different cab "
-        "file and try again.");
+        "different cab file and try again.");
     files_.DeleteFolder(folder_, true).IgnoreError();
     return false;
   }
@@ -128,13 +127,11 @@ class Import {
     if (!DecryptFile(services_, folder_ + "\\SiteList.CFG", list)) {
       Tell(
           "Could not decrypt AutoUpdate repository list file.  You may configure the AutoUpdate repository "
-          "list on the "
-          "AutoUpdate Configuration page.");
+          "list on the AutoUpdate Configuration page.");
     } else if (!IsLoadableXmlFile(services_, list)) {
       Tell(
           "The AutoUpdate repository list file does not appear to be valid.  You may configure the "
-          "AutoUpdate "
-          "repository list on the AutoUpdate Configuration page.");
+          "AutoUpdate repository list on the AutoUpdate Configuration page.");
       files_.DeleteFile(list, true).IgnoreError();
     }
   }
@@ -144,8 +141,7 @@ class Import {
     if (DecryptFile(services_, folder_ + "\\BulwarkPrefs.CFG", folder_ + "\\BulwarkPrefs.TXT")) return;
     Tell(
         "Could not decrypt Tamrix Bulwark configuration file.  You may configure the Bulwark on the Tamrix "
-        "Bulwark "
-        "page.");
+        "Bulwark page.");
   }
 
   void CopyToComparisonBranch() {

@@ -59,8 +59,7 @@ void frmOnAccessMonitor::Configure() {
   if (RunTool("OasCfg32", flag_) != 0) {
     services_.dialogs->Message(
         "Configuring the On-Access Scan Properties failed. Please make sure that Kestrane Enterprise is "
-        "installed "
-        "properly.");
+        "installed properly.");
   }
   if (TakeChangeFlag(services_, "bOasCfg32")) {
     flag_ = true;
@@ -86,8 +85,7 @@ void frmEmailScan::Configure() {
   if (run_.ProductInstallDir.empty() || !run_.HasEmailScanFeature) {
     services_.dialogs->Message(
         "Configuring the On-Delivery Scan properties failed. Please make sure that Kestrane Enterprise is "
-        "installed "
-        "properly.");
+        "installed properly.");
     return;
   }
   services_.files->SetCurrentFolder(run_.ProductInstallDir).IgnoreError();
@@ -113,8 +111,7 @@ void frmEmailScan::TransferSettings() {
 frmBeaconryClient::frmBeaconryClient(PageContext& context)
     : ScannerPage(context, kName, "Beaconry Properties",
                   "Configure Beaconry properties to specify what components to generate alerts, Beaconry "
-                  "destination, "
-                  "alert messages, and recipients.",
+                  "destination, alert messages, and recipients.",
                   "&Configure Beaconry Properties", 1011, context.run.changes.ConfigChangedBeaconry,
                   "Beaconry Properties were configured.", "Beaconry Properties were not configured.") {}
 
@@ -149,8 +146,7 @@ void frmUIOptions::Configure() {
   if (RunTool("TxDesk /UIOPTIONS", flag_) != 0) {
     services_.dialogs->Message(
         "Configuring user interface properties failed. Please make sure that Kestrane Enterprise is "
-        "installed "
-        "properly.");
+        "installed properly.");
   }
   if (TakeChangeFlag(services_, "bUIOptions")) flag_ = true;
 }

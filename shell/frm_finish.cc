@@ -101,8 +101,7 @@ void frmFinish::TellSettingsFile() {
       "To apply the new Kestrane Enterprise settings to target systems, you must copy this file to the 'ZED' "
       "subfolder in the Kestrane Enterprise installation folder (For example: C:\\Program "
       "Files\\Orvantic\\Kestrane\\ZED\\) on each target system.  Kestrane Enterprise will detect the new "
-      "file "
-      "and automatically incorporate the changes.");
+      "file and automatically incorporate the changes.");
 }
 
 void frmFinish::HideCompanions() {

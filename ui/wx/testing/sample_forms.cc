@@ -12,8 +12,8 @@ SamplePage::SamplePage(FormHost& host, std::string name, std::string caption)
   cancel.is_cancel = true;
   hint.SetText(
       "To apply the new settings to target systems, you must copy this file to the subfolder in the "
-      "installation "
-      "folder on each target system. The product will detect the new file and incorporate the changes.");
+      "installation folder on each target system. The product will detect the new file and incorporate the "
+      "changes.");
   for (const char* page : {"Source and Destination", "Features", "Source for Configuration",
                            "User Interface Properties", "Post-Installation Options", "Finish"}) {
     pages.Add({"", page, "", ""});
