@@ -128,7 +128,8 @@ class Catalog {
     }
     AddFile(request_.install_name);
     for (const char* name : {"KTECFG.CAB", "KTECFG_S.CAB", "KTECFG_W.CAB"}) {
-      if (disk_.FileExists(output_ + name)) AddFile(name);
+      // That of this run is there, whether it can be looked at or not.
+      if (EqualsNoCase(name, context_.run.SettingsFileName) || disk_.FileExists(output_ + name)) AddFile(name);
     }
   }
 

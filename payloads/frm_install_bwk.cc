@@ -160,19 +160,21 @@ void frmInstallBWK::OnSourceChange() {
 
 void frmInstallBWK::OnConfigure() {
   // Without any preferences the dialog starts from nothing.
-  PreparePrefsFile(run_.ConfigAppDataFolder + "\\TMP");
+  PreparePrefsFile(run_.ConfigAppDataFolder + "\\TMP").status().IgnoreError();
   navigator_.Get<frmConfigureBWK>().ShowModal();
 }
 
-bool frmInstallBWK::PreparePrefsFile(const std::string& folder) {
+Result<bool> frmInstallBWK::PreparePrefsFile(const std::string& folder) {
   platform::FileSystem& files = *services_.files;
   const std::string target = folder + kBulwarkPrefs;
-  if (files.FileExists(target)) return true;
+  KW_ASSIGN_OR_RETURN(const bool prepared, FileIsThere(services_, target));
+  if (prepared) return true;
   if (!files.FolderExists(folder)) files.CreateFolder(folder).IgnoreError();
   const std::string installed =
       services_.system->SpecialFolder(kCommonApplicationData) + "\\Orvantic\\Tamrix Bulwark";
   for (const std::string& source : {run_.ConfigAppDataFolder, DataFolder(), installed}) {
-    if (!files.FileExists(source + kBulwarkPrefs)) continue;
+    KW_ASSIGN_OR_RETURN(const bool there, FileIsThere(services_, source + kBulwarkPrefs));
+    if (!there) continue;
     files.CopyFile(source + kBulwarkPrefs, target, true).IgnoreError();
     return files.FileExists(target);
   }
@@ -239,8 +241,9 @@ bool frmInstallBWK::MakeInstaller(std::string& final_installer) {
       !MakeWritable(services_, final_installer).ok()) {
     return false;
   }
-  const std::string prefs =
-      PreparePrefsFile(run_.ConfigAppDataFolder) ? run_.ConfigAppDataFolder + kBulwarkPrefs : std::string();
+  const auto has_prefs = PreparePrefsFile(run_.ConfigAppDataFolder);
+  if (!has_prefs.ok()) return false;
+  const std::string prefs = *has_prefs ? run_.ConfigAppDataFolder + kBulwarkPrefs : std::string();
   const auto made = services_.libraries->BwkCreateInstaller(
       final_installer, prefs, NewInstallDirectory.empty() ? nullptr : &NewInstallDirectory,
       navigator_.Get<frmInstallOptions>().SilentInstall.Value(), ManagedBySTC.Value());

@@ -43,7 +43,8 @@ class frmInstallBWK : public WizardPage, public PayloadPage {
   void ReadInstallerDescriptor();
   void OnSourceChange();
   void OnConfigure();
-  bool PreparePrefsFile(const std::string& folder);
+  /// Whether there are preferences, which then lie in `folder`; an error when that cannot be told.
+  Result<bool> PreparePrefsFile(const std::string& folder);
   bool InstallerIsValid();
   bool InstallerStands();
   bool MakeInstaller(std::string& final_installer);

@@ -313,6 +313,14 @@ TEST_F(InstallBwkTest, WithoutPreferencesAndFolderTheyArePassedAsNone) {
   EXPECT_THAT(made, ElementsAre("C:\\Temp\\run\\BWKData\\Bulwark8.exe", "", "null", "0", "0"));
 }
 
+TEST_F(InstallBwkTest, PreferencesThatCannotBeLookedAtFailTheStep) {
+  Choose();
+  Next();
+  machine.files.FailNext(FileOperation::kGetFile, kPrefs, kErrorIo);
+  EXPECT_FALSE(page().SaveConfig());
+  EXPECT_THAT(made, IsEmpty());
+}
+
 TEST_F(InstallBwkTest, AnInstallerThatCannotBeMadeFailsTheStep) {
   Choose();
   Next();

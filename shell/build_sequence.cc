@@ -191,7 +191,9 @@ class Build {
         if (EndsWithNoCase(name, ".z") || EndsWithNoCase(name, ".txs") || EndsWithNoCase(name, ".pkg"))
           continue;
         const std::string path = run_.SourceFolder + "\\" + name;
-        if (services_.files->FileExists(path))
+        // One that cannot be looked at is told by the copy.
+        const auto there = FileIsThere(services_, path);
+        if (!there.ok() || *there)
           CopyFileToFolder(services_, path, run_.DestinationFolder, run_.DestinationFileList);
       }
     }

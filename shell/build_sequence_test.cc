@@ -366,6 +366,14 @@ TEST_F(BuildTest, AConsoleFileThatIsNotCopiedDoesNotFailTheBuild) {
   EXPECT_TRUE(machine.files.FileExists("C:\\Out\\README.TXT"));
 }
 
+TEST_F(BuildTest, AConsoleFileThatCannotBeLookedAtIsNotTakenForAMissingOne) {
+  OpenAndReview();
+  machine.files.FailNext(FileOperation::kGetFile, "C:\\Source\\CONTACT.TXT", kErrorIo);
+  Save();
+  EXPECT_TRUE(run.Succeeded);
+  EXPECT_TRUE(machine.files.FileExists("C:\\Out\\CONTACT.TXT"));
+}
+
 TEST_F(BuildTest, SettingsModeWritesNoPackage) {
   OpenAndReview();
   run.PackageMode = false;

@@ -128,6 +128,7 @@ Status WriteBehindProgram(Storage& storage, const std::string& program,
   if (present.ok()) {
     program_size = present->offset;
   } else {
+    if (present.number() != kErrorInvalidData) return present.status();
     KW_ASSIGN_OR_RETURN(auto file, storage.Open(program, Storage::Mode::kRead));
     KW_ASSIGN_OR_RETURN(program_size, file->Size());
   }
