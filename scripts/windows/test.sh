@@ -29,6 +29,7 @@ fi
 
 source "$here/wine-session.sh"
 start_wine
+manage_windows
 # Some tests write beside their program.
 cp -r "$build/tests" "$wine_home/tests"
 give_to_user "$wine_home/tests"

@@ -3,6 +3,7 @@
 #   start_wine       makes a fresh prefix and a virtual display, and keeps one server for all programs
 #   start_display    makes another virtual display, for the programs that start from then on
 #   run_wine SECONDS PROGRAM [ARGUMENT...]
+#   manage_windows   starts a window manager; without one a dialog box may come up without the focus
 #   end_server       ends the server of the prefix, and with it all its programs; what it knew is then in files
 #   stop_wine        ends all of them; called at the script's end in any case
 #
@@ -61,6 +62,11 @@ start_wine() {
   start_display
   "${as_user[@]}" wineserver -p
   "${as_user[@]}" timeout 120 wine wineboot -i > "$wine_home/boot.txt" 2>&1
+}
+
+manage_windows() {
+  openbox --sm-disable > "$wine_home/openbox.txt" 2>&1 &
+  sleep 0.5
 }
 
 run_wine() {

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <gtk/gtk.h>
 #include <wx/uiaction.h>
 
 #include <cctype>
@@ -76,16 +75,12 @@ TEST_P(KeyboardOnScreen, EnterAndEscapeHaveTheirButtons) {
   EXPECT_EQ(escape.size(), 1U);
 }
 
-/// The view of the control on which the focus is. (The toolkit does not tell of combo boxes.)
+/// The view of the control on which the focus is.
 const ui::ControlView* FocusedView(const ui::Form& form, const ui::FormView& view) {
-  GtkWidget* window = gtk_widget_get_toplevel(view.Panel()->GetHandle());
-  GtkWidget* focused = gtk_window_get_focus(GTK_WINDOW(window));
   const ui::ControlView* found = nullptr;
   for (const ui::Control* control : form.Controls()) {
     const ui::ControlView* shown = view.ViewOf(*control);
-    if (!shown || !focused) continue;
-    GtkWidget* widget = shown->Window()->GetHandle();
-    if (focused == widget || gtk_widget_is_ancestor(focused, widget)) found = shown;
+    if (shown && ui::testing::HasFocus(*shown->Window())) found = shown;
   }
   return found;
 }

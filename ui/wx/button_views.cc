@@ -8,6 +8,7 @@
 #include "ui/wx/control_view.h"
 #include "ui/wx/form_view.h"
 #include "ui/wx/label_text.h"
+#include "ui/wx/option_group.h"
 #include "ui/wx/wx_text.h"
 
 namespace kw::ui {
@@ -138,7 +139,7 @@ class OptionView : public ControlView, public WrappingView {
   void ApplyOwn(Changes) override {
     caption_->Set(ToWx(option_.Text()));
     if (option_.Value() && !radio_->GetValue()) radio_->SetValue(true);
-    if (!option_.Value() && radio_->GetValue() && !AnotherIsOn()) none_->SetValue(true);
+    if (!option_.Value() && radio_->GetValue() && !AnotherIsOn()) TurnOff(*radio_, *none_);
   }
 
  private:

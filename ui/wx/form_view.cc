@@ -172,7 +172,8 @@ void FormView::Focus(const Control& control, bool select_all) {
 }
 
 void FormView::FocusSomething() {
-  if (last_focus_ && last_focus_->IsEnabled() && last_focus_->IsShownOnScreen()) {
+  const wxWindow* restored = std::exchange(left_, nullptr);
+  if (last_focus_ && last_focus_ != restored && last_focus_->IsEnabled() && last_focus_->IsShownOnScreen()) {
     last_focus_->SetFocus();
     return;
   }

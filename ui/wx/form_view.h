@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "ui/form.h"
@@ -40,7 +41,7 @@ class FormView {
   /// Moves the focus to where a person begins, or back to where it was when the form lost it.
   void FocusSomething();
   /// At the next showing a person begins anew.
-  void ForgetFocus() { last_focus_ = nullptr; }
+  void ForgetFocus() { left_ = std::exchange(last_focus_, nullptr); }
   /// The form's enabled state.
   void Enable(bool enabled);
   /// The form's font, where it has one of its own.
@@ -80,6 +81,8 @@ class FormView {
   std::vector<WrappingView*> wrapping_;
   std::map<const Control*, Changes> pending_;
   wxWindow* last_focus_ = nullptr;
+  const wxWindow* left_ =
+      nullptr;  ///< had the focus when it was forgotten; a window that returns restores it
   Font font_;
   bool need_layout_ = true;
   bool painted_ = false;

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "ui/form.h"
+#include "ui/wx/access_keys.h"
 #include "ui/wx/accessibility.h"
 #include "ui/wx/label_text.h"
 #include "ui/wx/status_window.h"
@@ -108,7 +109,9 @@ FormView& WxHost::Ensure(Form& form) {
 void WxHost::BindKeys(wxWindow& window, std::function<Form*()> shown) {
   window.Bind(wxEVT_CHAR_HOOK, [this, &window, shown = std::move(shown)](wxKeyEvent& event) {
     if (event.GetKeyCode() != WXK_ESCAPE || event.HasAnyModifiers()) {
-      event.Skip();
+      Form* form = shown();
+      FormView* view = form && !ended_ ? ViewOf(*form) : nullptr;
+      if (!view || !PressAccessKey(*view, event)) event.Skip();
       return;
     }
     // Not within the hook by which Windows tells of keys: the question that comes then needs them too.

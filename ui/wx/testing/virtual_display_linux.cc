@@ -1,5 +1,3 @@
-#include "ui/wx/testing/virtual_display.h"
-
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -9,6 +7,8 @@
 #include <cstdlib>
 #include <string>
 #include <vector>
+
+#include "ui/wx/testing/virtual_display.h"
 
 namespace kw::ui::testing {
 

@@ -1,0 +1,7 @@
+#include "ui/wx/option_group.h"
+
+namespace kw::ui {
+
+void TurnOff(wxRadioButton&, wxRadioButton& none) { none.SetValue(true); }
+
+}  // namespace kw::ui
