@@ -160,6 +160,7 @@ vary() {
 not_run() { sed -n "s/^$1   *//p" "$here/scripts-not-run.txt"; }
 
 # run_one NAME[@VARIANT] FOLDER: runs a script on the worker's machine; the folder is for its files. Prints the difference.
+# The status 77 says that its preparation cannot be made here, for the reason that is printed.
 run_one() (
   local name=$1 work=$2 script=$root/tests/scripts/${1%@*} status=0 after= level seconds megabytes start
   if [[ -f $script.after && -z $(not_run "$name:after") ]]; then after=$script.after; fi
@@ -173,10 +174,13 @@ run_one() (
   vary "${KITWRIGHT_VARIANT:-}" "${level:-710}"
   # No person is there for the product's dialog boxes.
   export SAMPLE_TOOL_ANSWER=cancel
-  if [[ -f $script.before ]] && ! (cd "$WINEPREFIX" && timeout 240 bash -eu "$script.before") > "$work/before" 2>&1; then
-    echo "$name.before failed:"
-    cat "$work/before"
-    exit 1
+  if [[ -f $script.before ]]; then
+    (cd "$WINEPREFIX" && timeout 240 bash -eu "$script.before") > "$work/before" 2>&1 || status=$?
+    if ((status != 0)); then
+      ((status == 77)) || echo "$name.before failed:"
+      cat "$work/before"
+      exit "$status"
+    fi
   fi
   give_to_user "$WINEPREFIX/drive_c"
   start=(kitwright-drive.exe)
@@ -240,13 +244,17 @@ play() (
 
 # worker NUMBER: runs what no other worker has begun.
 worker() {
-  local work=$wine_home/work-$1 name begun
+  local work=$wine_home/work-$1 name begun status
   mkdir -p "$work"
   if (($1 > 1)); then export WINEPREFIX=$wine_home/prefix-$1; fi
   for name in "${names[@]}"; do
     mkdir "$wine_home/begun/$name" 2> /dev/null || continue
     begun=$SECONDS
-    if run_one "$name" "$work" > "$wine_home/said/$name" 2>&1 && judge_built "$name" "$work" > "$wine_home/judged/$name" 2>&1; then
+    status=0
+    run_one "$name" "$work" > "$wine_home/said/$name" 2>&1 || status=$?
+    if ((status == 77)); then
+      echo "script.$name: $(tail -n 1 "$wine_home/said/$name")" > "$wine_home/skipped/$name"
+    elif ((status == 0)) && judge_built "$name" "$work" > "$wine_home/judged/$name" 2>&1; then
       touch "$wine_home/passed/$name"
       echo "[       OK ] script.$name ($((SECONDS - begun)) s)"
     else
@@ -282,7 +290,7 @@ for level in "${levels[@]}"; do
 done
 for ((number = 2; number <= workers; ++number)); do cp -a "$WINEPREFIX" "$wine_home/prefix-$number"; done
 
-mkdir "$wine_home"/{begun,said,judged,passed,failed}
+mkdir "$wine_home"/{begun,said,judged,passed,failed,skipped}
 names=() skipped=() plays=()
 asked=("$@")
 if [[ ${#asked[@]} -eq 0 ]]; then
@@ -311,6 +319,7 @@ for ((number = 1; number <= workers && number <= ${#plays[@]}; ++number)); do
 done
 if [[ ${#started[@]} -gt 0 ]]; then wait "${started[@]}"; fi
 
+for name in $(ls "$wine_home/skipped"); do skipped+=("$(cat "$wine_home/skipped/$name")"); done
 mapfile -t failed < <(ls "$wine_home/failed" | sed 's/^/script./')
 cat "$wine_home/judged/"* 2> /dev/null | grep '^judged' || true
 echo "[  PASSED  ] $(ls "$wine_home/passed" | wc -l) tests."
