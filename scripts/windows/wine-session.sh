@@ -16,6 +16,9 @@ wine_home=$(mktemp -d "${TMPDIR:-/tmp}/kitwright-wine.XXXXXX")
 export WINEPREFIX=$wine_home/prefix WINEDEBUG=-all WINEARCH=win64 TZ=UTC
 # No browser engine and no menu entries are wanted.
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="
+# Servers leave a folder behind each, which goes with the rest.
+mkdir -m 1777 "$wine_home/tmp"
+export TMPDIR=$wine_home/tmp
 as_user=()
 if [[ $(id -u) -eq 0 ]]; then
   readonly nobody=65534
