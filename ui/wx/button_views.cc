@@ -43,7 +43,7 @@ class ButtonView : public ControlView {
 template <typename Widget>
 class Caption {
  public:
-  explicit Caption(Widget& widget) : widget_(widget) {}
+  explicit Caption(Widget& widget) : widget_(widget) { AllowLines(widget); }
 
   void Set(const wxString& text) {
     if (text == text_) return;
@@ -75,7 +75,9 @@ class Caption {
 
   void Measure() {
     widget_.InvalidateBestSize();
-    const wxSize best = widget_.GetBestSize();
+    wxSize best = widget_.GetBestSize();
+    // On Windows the widget counts no lines.
+    best.IncTo(wxSize(0, TextExtent(widget_, widget_.GetLabel()).y));
     const int natural = TextExtent(widget_, text_).x + Sign();
     widget_.SetMinSize(wxSize(least_ > 0 ? std::min(natural, least_) : best.x, best.y));
   }

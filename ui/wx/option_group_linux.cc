@@ -4,4 +4,6 @@ namespace kw::ui {
 
 void TurnOff(wxRadioButton&, wxRadioButton& none) { none.SetValue(true); }
 
+void AllowLines(wxWindow&) {}
+
 }  // namespace kw::ui
