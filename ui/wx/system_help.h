@@ -10,6 +10,10 @@ namespace kw::ui {
 /// where the system has none or it cannot show this.
 bool ShowInSystemViewer(wxWindow* parent, const wxString& book, int topic);
 
+/// Closes the windows that it opened. To be called while the program's own windows still work: the viewer
+/// ends them on a thread of its own.
+void CloseSystemViewer();
+
 }  // namespace kw::ui
 
 #endif  // KITWRIGHT_UI_WX_SYSTEM_HELP_H_

@@ -4,4 +4,6 @@ namespace kw::ui {
 
 bool ShowInSystemViewer(wxWindow*, const wxString&, int) { return false; }
 
+void CloseSystemViewer() {}
+
 }  // namespace kw::ui

@@ -11,30 +11,30 @@ using HtmlHelpCall = HWND(WINAPI*)(HWND caller, LPCWSTR file, UINT command, DWOR
 constexpr UINT kHelpContext = 0x000F;
 constexpr UINT kCloseAll = 0x0012;
 
-/// The viewer's library, which stays loaded; its windows go when the program ends.
-class HelpLibrary {
- public:
-  HelpLibrary() {
-    const HMODULE library = LoadLibraryW(L"hhctrl.ocx");
-    if (library == nullptr) return;
-    call = reinterpret_cast<HtmlHelpCall>(reinterpret_cast<void*>(GetProcAddress(library, "HtmlHelpW")));
-  }
-  ~HelpLibrary() {
-    if (call != nullptr && shown) call(nullptr, nullptr, kCloseAll, 0);
-  }
-  HtmlHelpCall call = nullptr;
-  bool shown = false;
-};
+/// The viewer's call, null where there is none; its library stays loaded.
+HtmlHelpCall LoadViewer() {
+  const HMODULE library = LoadLibraryW(L"hhctrl.ocx");
+  if (library == nullptr) return nullptr;
+  return reinterpret_cast<HtmlHelpCall>(reinterpret_cast<void*>(GetProcAddress(library, "HtmlHelpW")));
+}
+
+/// The call that has opened windows.
+HtmlHelpCall opened_by = nullptr;
 
 }  // namespace
 
 bool ShowInSystemViewer(wxWindow* parent, const wxString& book, int topic) {
-  static HelpLibrary help;
-  if (help.call == nullptr) return false;
+  static const HtmlHelpCall viewer = LoadViewer();
+  if (viewer == nullptr) return false;
   const HWND caller = parent == nullptr ? GetDesktopWindow() : static_cast<HWND>(parent->GetHandle());
-  if (help.call(caller, book.wc_str(), kHelpContext, static_cast<DWORD_PTR>(topic)) == nullptr) return false;
-  help.shown = true;
+  if (viewer(caller, book.wc_str(), kHelpContext, static_cast<DWORD_PTR>(topic)) == nullptr) return false;
+  opened_by = viewer;
   return true;
+}
+
+void CloseSystemViewer() {
+  if (opened_by != nullptr) opened_by(nullptr, nullptr, kCloseAll, 0);
+  opened_by = nullptr;
 }
 
 }  // namespace kw::ui

@@ -72,7 +72,7 @@ wxString StartFolder(const PathMapper& paths, const std::string& windows_path) {
 
 WxDialogs::WxDialogs(WxHost& host, PathMapper paths) : host_(host), paths_(std::move(paths)) {}
 
-WxDialogs::~WxDialogs() = default;
+WxDialogs::~WxDialogs() { CloseSystemViewer(); }
 
 void WxDialogs::Message(const std::string& text) { ShowBox(host_, text, wxICON_NONE); }
 
