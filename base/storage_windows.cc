@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/retry_windows.h"
 #include "base/storage.h"
 #include "base/text.h"
 
@@ -101,15 +102,18 @@ class Win32Storage : public Storage {
   }
 
   Status Rename(const std::string& from, const std::string& to) override {
-    if (!MoveFileExW(Wide(from).c_str(), Wide(to).c_str(),
-                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-      return Failure("rename", from);
-    }
+    const std::wstring source = Wide(from);
+    const std::wstring target = Wide(to);
+    const BOOL done = RetryWhileInUse([&] {
+      return MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+    });
+    if (!done) return Failure("rename", from);
     return {};
   }
 
   Status Remove(const std::string& path) override {
-    if (!DeleteFileW(Wide(path).c_str())) return Failure("remove", path);
+    const std::wstring file = Wide(path);
+    if (!RetryWhileInUse([&] { return DeleteFileW(file.c_str()); })) return Failure("remove", path);
     return {};
   }
 

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "base/result.h"
+#include "base/retry_windows.h"
 #include "platform/windows/host_path.h"
 #include "platform/windows/owned_handle.h"
 #include "platform/windows/system_headers.h"
@@ -38,7 +39,7 @@ int DeleteOneFile(const std::wstring& path, bool force) {
   const bool read_only = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
   if (read_only && !force) return kErrorAccessDenied;
   if (read_only && !SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL)) return LastNumber();
-  if (DeleteFileW(path.c_str())) return 0;
+  if (RetryWhileInUse([&] { return DeleteFileW(path.c_str()); })) return 0;
   const int number = LastNumber();
   // What stays stays as it was.
   if (read_only) SetFileAttributesW(path.c_str(), attributes);

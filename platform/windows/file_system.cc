@@ -5,6 +5,7 @@
 
 #include "base/machine_paths.h"
 #include "base/path.h"
+#include "base/retry_windows.h"
 #include "base/text.h"
 #include "platform/shared/file_errors.h"
 #include "platform/windows/delete_tree.h"
@@ -143,9 +144,10 @@ class Replacement {
 
   int TakePlace() {
     Close();
-    if (!MoveFileExW(path_.c_str(), target_.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-      return LastNumber();
-    }
+    const BOOL done = RetryWhileInUse([this] {
+      return MoveFileExW(path_.c_str(), target_.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+    });
+    if (!done) return LastNumber();
     path_.clear();
     return 0;
   }

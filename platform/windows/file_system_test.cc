@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <thread>
 
+#include "base/storage.h"
 #include "platform/testing/file_system_contract.h"
 #include "platform/windows/deny_changes.h"
 #include "platform/windows/system_headers.h"
@@ -103,6 +105,39 @@ TEST_F(WindowsFileSystemTest, NothingIsLeftBesideAFileThatCouldNotBeReplaced) {
   CloseHandle(reader);
   EXPECT_EQ(files.ReadFile(In("a")).value_or(""), "old");
   EXPECT_THAT(Names(folder.path()), ElementsAre("a"));
+}
+
+/// Another program that looks through a file for a moment, and lets nobody else have it meanwhile.
+class Scanner {
+ public:
+  explicit Scanner(const std::string& path)
+      : file_(CreateFileW(Wide(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0,
+                          nullptr)),
+        thread_([this] {
+          Sleep(200);
+          CloseHandle(file_);
+        }) {}
+  ~Scanner() { thread_.join(); }
+  bool Looks() const { return file_ != INVALID_HANDLE_VALUE; }
+
+ private:
+  HANDLE file_;
+  std::thread thread_;
+};
+
+TEST_F(WindowsFileSystemTest, WhatAScannerLooksThroughForAMomentIsDeletedAndRenamed) {
+  ASSERT_TRUE(files.WriteFile(In("a"), "x").ok());
+  {
+    const Scanner scanner(In("a"));
+    ASSERT_TRUE(scanner.Looks());
+    EXPECT_EQ(SystemStorage().Rename(In("a"), In("b")).message(), "");
+  }
+  {
+    const Scanner scanner(In("b"));
+    ASSERT_TRUE(scanner.Looks());
+    EXPECT_EQ(files.DeleteFile(In("b"), false).message(), "");
+  }
+  EXPECT_THAT(Names(folder.path()), ElementsAre());
 }
 
 TEST_F(WindowsFileSystemTest, AHiddenFileStaysHiddenWhenItIsReplaced) {
