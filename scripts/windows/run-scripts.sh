@@ -183,6 +183,8 @@ run_one() (
     fi
   fi
   give_to_user "$WINEPREFIX/drive_c"
+  # The system's own programs share the standard error of the first program: a fault of theirs is not the wizard's.
+  run_wine 60 cmd /c exit > "$work/boot" 2>&1
   start=(kitwright-drive.exe)
   if [[ -f $WINEPREFIX/drive_c/Kitwright/plain-user ]]; then start=("Z:${wine_home//\//\\}\\plain_user.exe" "${start[@]}"); fi
   (
