@@ -244,40 +244,60 @@ play() (
   diff -au --label "$1 driver" --label "$1 on the screen" "$work/expected" "$work/printed"
 )
 
+# As on Linux, a run that fails is tried again before it counts; each try that failed is told.
+readonly most_tries=2
+
+# try_one NAME FOLDER: a script and the judgement of its packages. The status 77 as for run_one.
+try_one() {
+  run_one "$1" "$2" > "$wine_home/said/$1" 2>&1 || return
+  judge_built "$1" "$2" > "$wine_home/judged/$1" 2>&1
+}
+
 # worker NUMBER: runs what no other worker has begun.
 worker() {
-  local work=$wine_home/work-$1 name begun status
+  local work=$wine_home/work-$1 name begun try status
   mkdir -p "$work"
   if (($1 > 1)); then export WINEPREFIX=$wine_home/prefix-$1; fi
   for name in "${names[@]}"; do
     mkdir "$wine_home/begun/$name" 2> /dev/null || continue
     begun=$SECONDS
-    status=0
-    run_one "$name" "$work" > "$wine_home/said/$name" 2>&1 || status=$?
-    if ((status == 77)); then
-      echo "script.$name: $(tail -n 1 "$wine_home/said/$name")" > "$wine_home/skipped/$name"
-    elif ((status == 0)) && judge_built "$name" "$work" > "$wine_home/judged/$name" 2>&1; then
-      touch "$wine_home/passed/$name"
-      echo "[       OK ] script.$name ($((SECONDS - begun)) s)"
-    else
+    for ((try = 1; try <= most_tries; ++try)); do
+      rm -f "$wine_home/judged/$name"
+      status=0
+      try_one "$name" "$work" || status=$?
+      ((status != 0 && status != 77)) || break
       tail -qn 100 "$wine_home/said/$name" "$wine_home/judged/$name" 2> /dev/null || true
-      touch "$wine_home/failed/$name"
-      echo "[  FAILED  ] script.$name ($((SECONDS - begun)) s)"
-    fi
+      echo "script.$name: try $try failed"
+    done
+    case $status in
+      0)
+        touch "$wine_home/passed/$name"
+        echo "[       OK ] script.$name ($((SECONDS - begun)) s)"
+        ;;
+      77) echo "script.$name: $(tail -n 1 "$wine_home/said/$name")" > "$wine_home/skipped/$name" ;;
+      *)
+        touch "$wine_home/failed/$name"
+        echo "[  FAILED  ] script.$name ($((SECONDS - begun)) s)"
+        ;;
+    esac
   done
   end_server
 }
 
 # player NUMBER: plays what no other player has begun.
 player() {
-  local work=$wine_home/work-$1 name begun result
+  local work=$wine_home/work-$1 name begun try result
   mkdir -p "$work"
   if (($1 > 1)); then export WINEPREFIX=$wine_home/prefix-$1; fi
   for name in "${plays[@]}"; do
     mkdir "$wine_home/begun/screen:$name" 2> /dev/null || continue
     begun=$SECONDS
-    result=passed
-    play "$name" "$work" || result=failed
+    for ((try = 1; try <= most_tries; ++try)); do
+      result=passed
+      play "$name" "$work" && break
+      result=failed
+      echo "screen:$name: try $try failed"
+    done
     touch "$wine_home/$result/screen:$name"
     echo "screen:$name $result ($((SECONDS - begun)) s)"
   done
