@@ -13,6 +13,8 @@
 # this runs as another user, for whom what is tested must be readable.
 
 wine_home=$(mktemp -d "${TMPDIR:-/tmp}/kitwright-wine.XXXXXX")
+# By the locale Wine knows what the names of files on this system mean.
+export LC_ALL=C.UTF-8
 export WINEPREFIX=$wine_home/prefix WINEDEBUG=-all WINEARCH=win64 TZ=UTC
 # No browser engine and no menu entries are wanted.
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe="

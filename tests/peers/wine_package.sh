@@ -3,6 +3,8 @@
 command -v wine >/dev/null || exit 77
 tests=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 work=$(mktemp -d)
+# By the locale Wine knows what the names of files on this system mean.
+export LC_ALL=C.UTF-8
 export WINEDEBUG=-all WINEDLLOVERRIDES='mscoree=d;mshtml=d'
 unset DISPLAY WAYLAND_DISPLAY
 trap 'wineserver -k 2>/dev/null || true; chmod -R u+w "$work"; rm -rf "$work"' EXIT
