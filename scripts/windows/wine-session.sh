@@ -34,11 +34,15 @@ end_server() {
 }
 
 stop_wine() {
-  local prefix job
+  local prefix job process
   # What runs beside this script, the display among it.
   for job in $(jobs -p); do kill "$job" 2> /dev/null || true; done
   for prefix in "$wine_home"/prefix*; do
     WINEPREFIX=$prefix "${as_user[@]}" wineserver -k 2>/dev/null || true
+  done
+  # Some of Wine's own programs outlive a server that was ended.
+  for process in /proc/[0-9]*; do
+    if grep -qzs "^WINEPREFIX=$wine_home/" "$process/environ"; then kill -9 "${process#/proc/}" 2>/dev/null || true; fi
   done
   chmod -R u+w "$wine_home" 2>/dev/null || true
   rm -rf "$wine_home"
