@@ -65,10 +65,11 @@ void CreateOptimizedConsolePackage(PageContext& context) {
   // A plug-in that cannot be copied is passed over like every fault of these writers.
   if (context.navigator.Get<frmBeaconryServer>().InstallBeaconry.Checked() &&
       files.FileExists(beaconry_plug_in)) {
-    files.CopyFile(beaconry_plug_in, run.DestinationFolder + "\\BCN470.OVP", true).IgnoreError();
+    CopyOver(context.services, beaconry_plug_in, run.DestinationFolder + "\\BCN470.OVP").IgnoreError();
   }
   if (run.BulwarkIncluded) {
-    files.CopyFile(BulwarkPlugIn(context), run.DestinationFolder + "\\" + kBulwarkPlugIn, true).IgnoreError();
+    CopyOver(context.services, BulwarkPlugIn(context), run.DestinationFolder + "\\" + kBulwarkPlugIn)
+        .IgnoreError();
   }
 }
 

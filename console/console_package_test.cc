@@ -89,6 +89,9 @@ TEST_F(ConsolePackageTest, AFailedCompanionCatalogueLeavesTheOthers) {
 TEST_F(ConsolePackageTest, AnOptimisedPackageListsItsOneFileAndHasThePlugInsBesideIt) {
   IncludeAlertServer();
   IncludeFirewall();
+  // Of an earlier run.
+  machine.files.AddFile("C:\\Out\\BCN470.OVP", "old", true);
+  machine.files.AddFile("C:\\Out\\BULWARK80.OVP", "old", true);
   run.DestinationFileList = std::make_unique<FileList>(FileList{"SETUP.EXE"});
   CreateOptimizedConsolePackage(Context());
   EXPECT_EQ(Signed("C:\\Out"), Catalog("0409", {"SETUP.EXE"}, "SETUP.EXE, /q"));

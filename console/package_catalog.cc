@@ -92,7 +92,7 @@ class Catalog {
           "Stratocon site manager.");
       return false;
     }
-    disk_.CopyFile(source, output_ + request_.detection_script, true).IgnoreError();
+    CopyOver(services_, source, output_ + request_.detection_script).IgnoreError();
     return true;
   }
 
@@ -129,7 +129,8 @@ class Catalog {
     AddFile(request_.install_name);
     for (const char* name : {"KTECFG.CAB", "KTECFG_S.CAB", "KTECFG_W.CAB"}) {
       // That of this run is there, whether it can be looked at or not.
-      if (EqualsNoCase(name, context_.run.SettingsFileName) || disk_.FileExists(output_ + name)) AddFile(name);
+      if (EqualsNoCase(name, context_.run.SettingsFileName) || disk_.FileExists(output_ + name))
+        AddFile(name);
     }
   }
 

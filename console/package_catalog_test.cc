@@ -140,8 +140,8 @@ TEST_F(PackageCatalogTest, AMissingDetectionScriptIsToldAndNothingIsWritten) {
   EXPECT_EQ(Signed("C:\\Out"), "old");
 }
 
-TEST_F(PackageCatalogTest, AnOldDetectionScriptIsOverwritten) {
-  machine.files.AddFile("C:\\Out\\KT710Det.TxS", "old");
+TEST_F(PackageCatalogTest, AnOldDetectionScriptIsOverwrittenEvenAReadOnlyOne) {
+  machine.files.AddFile("C:\\Out\\KT710Det.TxS", "old", true);
   Write();
   EXPECT_EQ(machine.files.Content("C:\\Out\\KT710Det.TxS"), "script KTE\\710\\KT710Det.TxS");
 }

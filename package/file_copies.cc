@@ -36,6 +36,17 @@ void MakeFolderPath(platform::Services& services, const std::string& path) {
     services.files->CreateFolder(whole.substr(0, i)).IgnoreError();
 }
 
+Status CopyOver(platform::Services& services, const std::string& from, const std::string& to) {
+  // One that stays read-only shows in the copy.
+  if (!services.files->IsLink(to)) MakeWritable(services, to).IgnoreError();
+  return services.files->CopyFile(from, to, true);
+}
+
+Status CopyWritable(platform::Services& services, const std::string& from, const std::string& to) {
+  KW_RETURN_IF_ERROR(CopyOver(services, from, to));
+  return MakeWritable(services, to);
+}
+
 bool CopyFileToFolder(platform::Services& services, const std::string& path, const std::string& folder,
                       FileListPtr& list) {
   if (!list) list = std::make_unique<FileList>();
@@ -47,8 +58,7 @@ bool CopyFileToFolder(platform::Services& services, const std::string& path, con
                                 "access it."))
       return false;
   }
-  if (!services.files->IsLink(target)) MakeWritable(services, target).IgnoreError();
-  while (!services.files->CopyFile(path, target, true).ok()) {
+  while (!CopyOver(services, path, target).ok()) {
     if (!AskRetry(services, "Could not copy file to " + target +
                                 ".  Please verify that the file does not already exist, that the folder is "
                                 "writable and that the drive is not full."))

@@ -49,6 +49,11 @@ void MakeFolderPath(platform::Services& services, const std::string& path);
 Status MakeOwnFolder(platform::Services& services, const std::string& path);
 /// Clears the read-only attribute of a file that has it; a missing file is none.
 Status MakeWritable(platform::Services& services, const std::string& path);
+/// Copies over the file `to`, also when that is read-only; the copy takes the attribute of `from`. A link
+/// that has the name is replaced.
+Status CopyOver(platform::Services& services, const std::string& from, const std::string& to);
+/// The same, but the copy can be written to whatever `from` is.
+Status CopyWritable(platform::Services& services, const std::string& from, const std::string& to);
 /// Copies a file into a folder, asking Retry or Cancel on failures, and adds its upper-cased name to `list`.
 /// A link that has the name is replaced. False when the user gave up.
 bool CopyFileToFolder(platform::Services& services, const std::string& path, const std::string& folder,

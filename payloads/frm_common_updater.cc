@@ -77,7 +77,7 @@ bool frmCommonUpdater::FetchLiveList() {
   if (!may_fetch || !missing || !run_.ProductInstalled) return true;
   AgentFolders folders;
   if (!ReadAgentFolders(folders)) return false;
-  if (services_.files->CopyFile(folders.data + "\\SiteList.xml", WorkingList(), true).ok()) return true;
+  if (CopyWritable(services_, folders.data + "\\SiteList.xml", WorkingList()).ok()) return true;
   services_.dialogs->Message(
       "Could not copy AutoUpdate repository list.\r\nAutoUpdate repository list configuration failed.");
   return false;
@@ -115,7 +115,8 @@ void frmCommonUpdater::OnImport() {
     }
     // There may be none yet.
     services_.files->DeleteFile(WorkingList(), true).IgnoreError();
-    if (services_.files->CopyFile(name, WorkingList(), true).ok()) break;
+    // Swapped in, a read-only one could neither be edited nor give way to the machine's own list again.
+    if (CopyWritable(services_, name, WorkingList()).ok()) break;
     services_.dialogs->Message("Could not copy the Siteinfo file " + name +
                                ".  Please select another .XML file or click Cancel to return to the wizard.");
   }
@@ -138,9 +139,9 @@ void frmCommonUpdater::OnConfigure() {
   if (files.FileExists(WorkingList()) && !SwapIn(live, backup)) return;
   EditLiveList(folders);
   // A failure to pick the edits up leaves the working list as it was.
-  files.CopyFile(live, WorkingList(), true).IgnoreError();
+  CopyWritable(services_, live, WorkingList()).IgnoreError();
   EnterProgramFolder(services_);
-  Check(files.CopyFile(backup, live, true));
+  Check(CopyOver(services_, backup, live));
 }
 
 bool frmCommonUpdater::SwapIn(const std::string& live, const std::string& backup) {

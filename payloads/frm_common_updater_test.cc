@@ -299,6 +299,43 @@ TEST_F(CommonUpdaterTest, AnOldReadOnlyBackupIsReplaced) {
   EXPECT_EQ(machine.files.Content(kBackup), kLiveList);
 }
 
+TEST_F(CommonUpdaterTest, AReadOnlyListThatWasReadCanBeEditedAndTheMachinesListComesBack) {
+  machine.files.AddFile("C:\\Payloads\\SiteList.xml", "<SiteLists from=\"payload\"/>", true);
+  Open();
+  EXPECT_THAT(Import({"C:\\Payloads\\SiteList.xml"}), IsEmpty());
+  bool could_save = false;
+  machine.libraries.On("EditSiteList", [&](const Arguments&) {
+    could_save = machine.files.WriteFile(kLive, "<SiteLists from=\"dialog\"/>").ok();
+  });
+  page().ConfigureSettings.UserClick();
+  EXPECT_THAT(Steps(), IsEmpty());
+  EXPECT_TRUE(could_save);
+  EXPECT_EQ(Working(), "<SiteLists from=\"dialog\"/>");
+  EXPECT_EQ(Live(), kLiveList);
+  EXPECT_FALSE(machine.files.IsReadOnly(kLive));
+}
+
+TEST_F(CommonUpdaterTest, AListThatTheDialogLeavesReadOnlyGivesWayToTheMachinesOwn) {
+  machine.files.AddFile(kWorking, kPackageList);
+  Open();
+  machine.libraries.On("EditSiteList", [&](const Arguments&) {
+    machine.files.AddFile(kLive, "<SiteLists from=\"dialog\"/>", true);
+  });
+  page().ConfigureSettings.UserClick();
+  EXPECT_THAT(Steps(), IsEmpty());
+  EXPECT_EQ(Working(), "<SiteLists from=\"dialog\"/>");
+  EXPECT_FALSE(machine.files.IsReadOnly(kWorking));
+  EXPECT_EQ(Live(), kLiveList);
+  EXPECT_FALSE(machine.files.IsReadOnly(kLive));
+}
+
+TEST_F(CommonUpdaterTest, AReadOnlyListOfTheMachineIsFetchedAsAWritableOne) {
+  machine.files.AddFile(kLive, kLiveList, true);
+  Open();
+  EXPECT_EQ(Working(), kLiveList);
+  EXPECT_FALSE(machine.files.IsReadOnly(kWorking));
+}
+
 TEST_F(CommonUpdaterTest, ThePackagesAgentIsTakenOutForItsFileVersion) {
   machine.files.AddFile("C:\\Temp\\agent", Agent());
   ASSERT_TRUE(Db().ReplaceBinary("Callagentpkg", "C:\\Temp\\agent").ok());

@@ -360,7 +360,8 @@ Status frmDATsAndEngine::SaveInPackage() {
   KW_RETURN_IF_ERROR(
       db_.RunSql("insert into `Property` (`Value`, `Property`) values (?, 'DATDATE')", {DATDate}));
   const auto copy = [this](const std::string& folder, const char* file) {
-    return services_.files->CopyFile(JoinPath(folder, file), JoinPath(run_.CabDataFolder, file), true);
+    // A cabinet gives its read-only files back as such.
+    return CopyOver(services_, JoinPath(folder, file), JoinPath(run_.CabDataFolder, file));
   };
   for (const char* file : kDatFiles) KW_RETURN_IF_ERROR(copy(DATFolder, file));
   for (const char* file : kEngineFiles) KW_RETURN_IF_ERROR(copy(EngineFolder, file));
@@ -369,9 +370,8 @@ Status frmDATsAndEngine::SaveInPackage() {
 
 void frmDATsAndEngine::CopySigTermsTxt() {
   if (FromSource.Value()) return;
-  services_.files
-      ->CopyFile(JoinPath(EngineFolder, "SIGTERMS.TXT"), JoinPath(run_.DestinationFolder, "SIGTERMS.TXT"),
-                 true)
+  CopyOver(services_, JoinPath(EngineFolder, "SIGTERMS.TXT"),
+           JoinPath(run_.DestinationFolder, "SIGTERMS.TXT"))
       .IgnoreError();
 }
 

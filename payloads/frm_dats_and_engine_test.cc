@@ -446,6 +446,22 @@ TEST_F(DatsAndEngineTest, ACopyIntoTheCabinetsThatFailsFailsTheStep) {
   EXPECT_THAT(Steps(), IsEmpty());
 }
 
+TEST_F(DatsAndEngineTest, FilesThatTheCabinetHoldsAsReadOnlyAreReplacedAndRestored) {
+  for (const char* file :
+       {"SIGS.DAT", "LABELS.DAT", "REPAIR.DAT", "ENGINE.DAT", "TXENG32.DLL", "TEXTS.DAT", "SIGTERMS.TXT"}) {
+    machine.files.AddFile(run.CabDataFolder + "\\" + file, std::string("old ") + file, true);
+  }
+  Choose("C:\\Payloads\\dat.zip", "");
+  Next();
+  ASSERT_TRUE(page().SaveConfig());
+  EXPECT_EQ(Cab("SIGS.DAT"), "new SIGS.DAT");
+  EXPECT_EQ(Cab("ENGINE.DAT"), "old ENGINE.DAT");
+  EXPECT_TRUE(machine.files.IsReadOnly(run.CabDataFolder + "\\ENGINE.DAT"));
+  machine.files.AddFile(run.DestinationFolder + "\\SIGTERMS.TXT", "of an earlier run", true);
+  page().CopySigTermsTxt();
+  EXPECT_EQ(Out("SIGTERMS.TXT"), "old SIGTERMS.TXT");
+}
+
 TEST_F(DatsAndEngineTest, ADatabaseThatCannotBeWrittenFailsTheStepWithoutAWord) {
   Choose("C:\\Payloads\\dat.zip", "");
   Next();

@@ -152,7 +152,7 @@ void frmInstallBWK::OnSourceChange() {
                                   {Answer::kOk, Answer::kCancel}, Answer::kOk, "") != Answer::kOk) {
     return;
   }
-  if (!Check(files.CopyFile(DataFolder() + kBulwarkPrefs, run_.ConfigAppDataFolder + kBulwarkPrefs, true)))
+  if (!Check(CopyWritable(services_, DataFolder() + kBulwarkPrefs, run_.ConfigAppDataFolder + kBulwarkPrefs)))
     return;
   files.DeleteFile(run_.ConfigAppDataFolder + "\\TMP" + kBulwarkPrefs, true).IgnoreError();
   run_.changes.ConfigChangedBulwark = false;
@@ -175,7 +175,8 @@ Result<bool> frmInstallBWK::PreparePrefsFile(const std::string& folder) {
   for (const std::string& source : {run_.ConfigAppDataFolder, DataFolder(), installed}) {
     KW_ASSIGN_OR_RETURN(const bool there, FileIsThere(services_, source + kBulwarkPrefs));
     if (!there) continue;
-    files.CopyFile(source + kBulwarkPrefs, target, true).IgnoreError();
+    // The dialog writes into its copy.
+    CopyWritable(services_, source + kBulwarkPrefs, target).IgnoreError();
     return files.FileExists(target);
   }
   return false;
@@ -200,7 +201,7 @@ void frmInstallBWK::LeavePage(const std::string& name) {
   platform::FileSystem& files = *services_.files;
   const std::string scratch = run_.ConfigAppDataFolder + "\\TMP" + kBulwarkPrefs;
   if (files.FileExists(scratch)) {
-    if (!Check(files.CopyFile(scratch, run_.ConfigAppDataFolder + kBulwarkPrefs, true))) return;
+    if (!Check(CopyWritable(services_, scratch, run_.ConfigAppDataFolder + kBulwarkPrefs))) return;
     files.DeleteFile(scratch, true).IgnoreError();
   }
   navigator_.GoToPage(name);
@@ -254,7 +255,7 @@ bool frmInstallBWK::CopyInstaller(const std::string& final_installer) {
   platform::FileSystem& files = *services_.files;
   const std::string folder = run_.DestinationFolder + "\\BWK\\";
   files.DeleteFile(folder + InstallFileName, true).IgnoreError();
-  run_.BulwarkProgramCopied = files.CopyFile(final_installer, folder + kProgram, true).ok();
+  run_.BulwarkProgramCopied = CopyOver(services_, final_installer, folder + kProgram).ok();
   return run_.BulwarkProgramCopied && files.FileExists(folder + kProgram);
 }
 

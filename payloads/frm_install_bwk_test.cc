@@ -366,6 +366,14 @@ TEST_F(InstallBwkTest, AProgramThatLayInTheDestinationBeforeDoesNotHideAFailedCo
   EXPECT_FALSE(run.BulwarkProgramCopied);
 }
 
+TEST_F(InstallBwkTest, AReadOnlyProgramOfAnEarlierRunIsReplaced) {
+  machine.files.AddFile("C:\\Out\\BWK\\Bulwark.EXE", "of an earlier run", true);
+  Choose();
+  Next();
+  ASSERT_TRUE(page().SaveConfig());
+  EXPECT_EQ(Saved(), "rewritten");
+}
+
 TEST_F(InstallBwkTest, AProgramOfTheGivenNameIsTakenOutOfTheDestination) {
   machine.files.AddFile("C:\\Out\\BWK\\Bulwark8.exe", "of an earlier run");
   Choose();
@@ -465,6 +473,23 @@ TEST_F(InstallBwkTest, OkStoresTheChangesAndTheyReachThePreferencesWhenThePageIs
   Next();
   EXPECT_EQ(machine.files.Content(kPrefs), "changed");
   EXPECT_THAT(Choices<frmInstallBWK>(), Contains("\tTamrix Bulwark properties were configured."));
+}
+
+TEST_F(InstallBwkTest, ReadOnlyPreferencesOfTheMachineCanBeChangedInTheDialog) {
+  Choose();
+  ASSERT_TRUE(machine.files.DeleteFile(std::string(kData) + "\\BulwarkPrefs.TXT", true).ok());
+  const std::string installed =
+      machine.system.SpecialFolder(35) + "\\Orvantic\\Tamrix Bulwark\\BulwarkPrefs.TXT";
+  machine.files.AddFile(installed, "of the machine", true);
+  Dialog([](frmConfigureBWK& dialog) {
+    dialog.STCConsoleCtrl81.UserType("changed");
+    dialog.OK.UserClick();
+  });
+  EXPECT_THAT(Take(), ElementsAre("modal frmConfigureBWK", "modal-end frmConfigureBWK"));
+  Next();
+  EXPECT_EQ(machine.files.Content(kPrefs), "changed");
+  EXPECT_EQ(machine.files.Content(installed), "of the machine");
+  EXPECT_TRUE(machine.files.IsReadOnly(installed));
 }
 
 TEST_F(InstallBwkTest, CancelDropsTheScratchFile) {
