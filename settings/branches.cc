@@ -2,7 +2,6 @@
 
 #include "base/text.h"
 #include "package/file_rules.h"
-#include "package/file_rules.h"
 #include "package/installer_db.h"
 #include "package/staging.h"
 

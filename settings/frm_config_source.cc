@@ -153,9 +153,6 @@ bool frmConfigSource::TakeSystemOrNothing() {
   run_.SettingsFromSystem = !NoSettings.Value();
   run_.ProductLocale = NoSettings.Value() ? "0000" : GetInstalledProductLanguage(services_, run_);
   run_.SettingsFromFile = false;
-  if (run_.ConfigAppDataFolder.empty() || !services_.files->FolderExists(run_.ConfigAppDataFolder)) {
-    run_.ConfigAppDataFolder = MakeConfigAppDataFolder(services_, run_);
-  }
   run_.ConfigSourceName = source_name;
   return true;
 }
@@ -171,6 +168,11 @@ void frmConfigSource::EnablePages() {
 void frmConfigSource::LeavePage(const std::string& name) {
   if (!Check(EnsureTempFolder(services_, run_))) return;
   if (!(SettingsFromFile.Value() ? TakeFile() : TakeSystemOrNothing())) return;
+  // The marker of a package's own settings brings no folder when it is typed; without one the pages behind
+  // would put their files into the root of the current drive.
+  if (run_.ConfigAppDataFolder.empty() || !services_.files->FolderExists(run_.ConfigAppDataFolder)) {
+    run_.ConfigAppDataFolder = MakeConfigAppDataFolder(services_, run_);
+  }
   EnablePages();
   for (const char* page : {"frmRegistrySettings", "frmCommonUpdater"}) {
     navigator_.Page(page).ReadConfig();

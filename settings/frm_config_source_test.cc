@@ -143,6 +143,15 @@ TEST_F(ConfigSourceTest, TheMarkerOfAPackagesOwnSettingsIsNotImportedAgain) {
   EXPECT_TRUE(run.SettingsFromFile);
 }
 
+TEST_F(ConfigSourceTest, ATypedMarkerStillGetsAWorkingFolder) {
+  run.ConfigAppDataFolder.clear();
+  page.SettingsFromFile.UserClick();
+  page.SettingsFromFilePath.UserType("[IN_PACKAGE]\\KTECFG.CAB");
+  page.Next->UserClick();
+  EXPECT_THAT(run.ConfigAppDataFolder, HasSubstr("C:\\Temp\\run\\ConfigAppData_id_"));
+  EXPECT_TRUE(machine.files.FolderExists(run.ConfigAppDataFolder));
+}
+
 TEST_F(ConfigSourceTest, ADifferencesOnlyFileDisablesTheProductPages) {
   delta = 1;
   page.SettingsFromFile.UserClick();

@@ -197,6 +197,20 @@ TEST_F(TaskPagesTest, AToolRunThatChangesNothingLeavesOkAsItIsForAnEdit) {
   Updates().EditButton->UserClick();
 }
 
+TEST_F(TaskPagesTest, TheSameNameTypedAnewEnablesOkOfAnEdit) {
+  AddLiveTask("{C}", "Fetch", 5);
+  Updates().ReadConfig();
+  Show<frmAutoUpdate>();
+  host.modals.push_back([](ui::Form& form) {
+    auto& dialog = dynamic_cast<frmAddTask&>(form);
+    EXPECT_FALSE(dialog.OK.Enabled());
+    dialog.TaskName.UserType("Fetch");
+    EXPECT_TRUE(dialog.OK.Enabled());
+    dialog.Cancel.UserClick();
+  });
+  Updates().EditButton->UserClick();
+}
+
 TEST_F(TaskPagesTest, UpdateAndMirrorTasksCountApart) {
   AddLiveTask("{C}", "New Update Task 1", 5);
   AddLiveTask("{D}", "New Mirror Task 1", 5, false, true);

@@ -14,11 +14,10 @@ Control::Control(Form& form, ControlKind kind, std::string name, std::string tex
 
 void Control::Notify(Change change) { form_.Host().ControlChanged(*this, change); }
 
-bool Control::AssignText(std::string text) {
-  if (text == text_) return false;
+void Control::AssignText(std::string text) {
+  if (text == text_) return;
   text_ = std::move(text);
   Notify(Change::kText);
-  return true;
 }
 
 void Control::SetText(std::string text) { AssignText(std::move(text)); }
@@ -64,7 +63,8 @@ void Button::UserClick() {
 TextBox::TextBox(Form& form, std::string name) : Control(form, ControlKind::kTextBox, std::move(name), "") {}
 
 void TextBox::SetText(std::string text) {
-  if (AssignText(std::move(text)) && on_change) on_change();
+  AssignText(std::move(text));
+  if (on_change) on_change();
 }
 
 void TextBox::SetBack(BackColor back) {

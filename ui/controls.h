@@ -63,7 +63,7 @@ class Control {
 
  protected:
   void Notify(Change change);
-  bool AssignText(std::string text);
+  void AssignText(std::string text);
   void MoveFocus(bool select_all);
 
  private:
@@ -115,7 +115,8 @@ class TextBox : public Control {
  public:
   TextBox(Form& form, std::string name);
   std::function<void()> on_change;
-  /// Fires on_change when the text differs, from code too.
+  /// Fires on_change, from code too, and also for the text that stands there: who types a name anew has
+  /// touched it.
   void SetText(std::string text) override;
   BackColor Back() const { return back_; }
   void SetBack(BackColor back);

@@ -46,15 +46,21 @@ class ControlsTest : public ::testing::Test {
   SampleForm form{host};
 };
 
-TEST_F(ControlsTest, TextSetFromCodeFiresChangeOnlyWhenItDiffers) {
+TEST_F(ControlsTest, TextSetFromCodeFiresChange) {
   form.box.SetText("a");
   form.box.SetText("a");
-  EXPECT_THAT(form.events, ElementsAre("box a"));
+  EXPECT_THAT(form.events, ElementsAre("box a", "box a"));
 }
 
 TEST_F(ControlsTest, TypedTextFiresChangeOnce) {
   form.box.UserType("typed");
   EXPECT_THAT(form.events, ElementsAre("box typed"));
+}
+
+TEST_F(ControlsTest, TheSameTextTypedAnewFiresChangeToo) {
+  form.box.UserType("typed");
+  form.box.UserType("typed");
+  EXPECT_THAT(form.events, ElementsAre("box typed", "box typed"));
 }
 
 TEST_F(ControlsTest, CheckBoxSetFromCodeFiresClickWhenItsValueChanges) {
