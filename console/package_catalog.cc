@@ -189,7 +189,7 @@ void WriteInstallDescriptor(PageContext& context, FileListPtr& files, const std:
   const auto write = [&](std::string_view section, std::optional<std::string_view> key,
                          std::optional<std::string_view> value) {
     // A value that cannot be written is not reported.
-    WriteIniValue(services, descriptor, section, key, value).IgnoreError();
+    return WriteIniValue(services, descriptor, section, key, value).ok();
   };
   write("Install", "Language", language);
   write("Install", "Command", command);
@@ -197,8 +197,8 @@ void WriteInstallDescriptor(PageContext& context, FileListPtr& files, const std:
   int number = 0;
   for (const std::string& name : *files) {
     if (EndsWithAny(name, {".ovp", ".txs", ".pkg"})) continue;
-    write("Files", "File" + std::to_string(number), name);
-    ++number;
+    // A name that the system's code page cannot hold leaves no gap either.
+    if (write("Files", "File" + std::to_string(number), name)) ++number;
   }
 }
 

@@ -222,6 +222,12 @@ TEST_F(InstallDescriptorTest, LeftOutFilesLeaveNoGapsInTheNumbers) {
   EXPECT_EQ(Written(), Descriptor("0407", "setup /Q", {"ONE.EXE", "TWO.PKG.TXT", "BCN\\THREE.msi"}));
 }
 
+TEST_F(InstallDescriptorTest, ANameThatTheCodePageCannotHoldLeavesNoGapEither) {
+  files = std::make_unique<FileList>(FileList{"ONE.EXE", "\u4e2d.TXT", "TWO.EXE"});
+  EXPECT_THAT(Write(), IsEmpty());
+  EXPECT_EQ(Written(), Descriptor("0407", "setup /Q", {"ONE.EXE", "TWO.EXE"}));
+}
+
 TEST_F(InstallDescriptorTest, WithoutFilesNoEntryOfTheTemplateSurvives) {
   files.reset();
   Write("Bulwark.EXE", "0000");

@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "package/file_rules.h"
+#include "package/source_package.h"
 #include "pages/folder_box.h"
 #include "pages/startup_ini.h"
 #include "pages/wizard_dialog.h"
@@ -297,7 +298,7 @@ bool frmBeaconryServer::CopyNestedFiles() {
   // A folder that cannot be made shows in the copy.
   if (!MakeOwnFolder(services_, folder).ok() && services_.files->IsLink(folder)) return false;
   if (!CopyFileToFolder(services_, run_.BeaconryWorkingMsiPath, folder, run_.BeaconryFileList)) return false;
-  const auto entries = services_.files->List(run_.BeaconrySourceFolder);
+  const auto entries = ListFolder(services_, run_.BeaconrySourceFolder);
   if (!entries.ok()) return false;
   for (const platform::FileEntry& entry : *entries) {
     if (entry.is_folder || StartsWithNoCase(entry.name, "PkgCatalog.z")) continue;

@@ -372,6 +372,17 @@ TEST_F(BeaconryServerTest, SavingWritesBothPackagesAndCopiesTheFolderButForItsCa
   EXPECT_EQ(NestedProperty("BEACONRYPASSWORD"), EncodePassword("Secret123", 1252));
 }
 
+TEST_F(BeaconryServerTest, APackageAtTheRootOfADiskIsCopiedFromThere) {
+  WriteNested("C:");
+  machine.files.AddFile("C:\\root.txt", "beside it");
+  ASSERT_EQ(machine.files.CurrentFolder(), "C:\\Kitwright");
+  Choose();
+  page().SourceDir.UserType("C:\\");
+  Next();
+  ASSERT_TRUE(page().SaveConfig());
+  EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("BCN\\BCN470.msi", "BCN\\root.txt"));
+}
+
 TEST_F(BeaconryServerTest, ServersOnlyAndTheDefaultFolderWriteEmptyProperties) {
   CarryNested({{"INSTALLDIR", "D:\\Alerts"}});
   Sql("insert into `Property` (`Property`, `Value`) values ('FORCEBCSINSTALL', 'TRUE')");

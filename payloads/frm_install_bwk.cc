@@ -91,6 +91,8 @@ void frmInstallBWK::ReadConfig() {
   EnsureLoaded();
   SourcePath.SetText("");
   InstallerPath.clear();
+  // That of an installer in a package opened before.
+  run_.BulwarkLocale = "0000";
   InstallDirectory.SetText("");
   InstallBWK.SetChecked(false);
   InstallBWK.SetEnabled(run_.PackageMode);

@@ -125,6 +125,12 @@ TEST_F(InstallBwkTest, ADescriptorWithoutKeysGivesTheDefaults) {
   EXPECT_THAT(Choices<frmInstallBWK>(), Contains("\tUse default installation folder."));
 }
 
+TEST_F(InstallBwkTest, TheLanguageOfAPackageOpenedBeforeIsForgotten) {
+  run.BulwarkLocale = "0407";
+  Open();
+  EXPECT_EQ(run.BulwarkLocale, "0000");
+}
+
 TEST_F(InstallBwkTest, AnInstallerWithoutADescriptorLeavesTheValuesOfTheLastOne) {
   Choose();
   EXPECT_EQ(page().InstallDirectory.Text(), "D:\\Wall");

@@ -66,6 +66,11 @@ Spot Look(const MachinePaths& paths, const std::string& path) {
   int refusal = 0;
   spot.host = paths.HostPath(path, refusal);
   if (spot.allowed) spot.status = HostStatus::Of(spot.host);
+  // Behind a file's name the separator makes another, bad one.
+  if (spot.status.IsFile() && (path.back() == '\\' || path.back() == '/')) {
+    spot.allowed = false;
+    spot.status = {};
+  }
   if (!spot.status.exists && spot.status.refusal == 0) spot.status.refusal = refusal;
   return spot;
 }

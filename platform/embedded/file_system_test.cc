@@ -176,6 +176,16 @@ TEST_F(EmbeddedFileSystemTest, AFileWhoseSpellingCannotBeFoundIsNotTakenForAMiss
   EXPECT_EQ(files.GetFile("None").number(), kErrorFileNotFound);
 }
 
+TEST_F(EmbeddedFileSystemTest, ASeparatorBehindAFilesNameMakesABadName) {
+  machine.Put("drive_c/Work/a.zip", "x");
+  machine.Put("drive_c/Work/sub/b", "x");
+  EXPECT_FALSE(files.FileExists("C:\\Work\\a.zip\\"));
+  EXPECT_EQ(files.GetFile("C:\\Work\\a.zip\\").number(), kErrorInvalidName);
+  EXPECT_FALSE(files.CopyFile("a.zip\\", "c.zip", true).ok());
+  EXPECT_TRUE(files.FileExists("C:\\Work\\a.zip"));
+  EXPECT_TRUE(files.FolderExists("C:\\Work\\sub\\"));
+}
+
 TEST_F(EmbeddedFileSystemTest, AFailedCopyLeavesNoHalfWrittenFile) {
   machine.Put("drive_c/Work/big", std::string(300000, 'x'));
   machine.Put("drive_c/Work/old", "old");
