@@ -157,6 +157,14 @@ bool frmConfigSource::TakeSystemOrNothing() {
   return true;
 }
 
+// Without a folder, or with that of a package that was open before, the pages behind would put their files
+// nowhere, or into the root of the current drive.
+void frmConfigSource::EnsureWorkingFolder() {
+  if (run_.ConfigAppDataFolder.empty() || !services_.files->FolderExists(run_.ConfigAppDataFolder)) {
+    run_.ConfigAppDataFolder = MakeConfigAppDataFolder(services_, run_);
+  }
+}
+
 void frmConfigSource::EnablePages() {
   const bool enabled = !NoSettings.Value() && !run_.SaveDifferencesOnly;
   navigator_.SetConfigurationPagesEnabled(enabled);
@@ -168,11 +176,8 @@ void frmConfigSource::EnablePages() {
 void frmConfigSource::LeavePage(const std::string& name) {
   if (!Check(EnsureTempFolder(services_, run_))) return;
   if (!(SettingsFromFile.Value() ? TakeFile() : TakeSystemOrNothing())) return;
-  // The marker of a package's own settings brings no folder when it is typed; without one the pages behind
-  // would put their files into the root of the current drive.
-  if (run_.ConfigAppDataFolder.empty() || !services_.files->FolderExists(run_.ConfigAppDataFolder)) {
-    run_.ConfigAppDataFolder = MakeConfigAppDataFolder(services_, run_);
-  }
+  // The marker of a package's own settings brings no folder when it is typed.
+  EnsureWorkingFolder();
   EnablePages();
   for (const char* page : {"frmRegistrySettings", "frmCommonUpdater"}) {
     navigator_.Page(page).ReadConfig();
@@ -213,7 +218,7 @@ void frmConfigSource::TakePackageSettings() {
     run_.SettingsFromSystem = run_.ProductInstalled;
     run_.SettingsFromFile = false;
   }
-  if (run_.ConfigAppDataFolder.empty()) run_.ConfigAppDataFolder = MakeConfigAppDataFolder(services_, run_);
+  EnsureWorkingFolder();
 }
 
 }  // namespace kw

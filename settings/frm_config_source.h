@@ -41,6 +41,7 @@ class frmConfigSource : public WizardPage {
   bool TakeFile();
   bool TakeSystemOrNothing();
   void ShowFileSource(const std::string& source_name, const std::string& text);
+  void EnsureWorkingFolder();
   void EnablePages();
 };
 

@@ -131,6 +131,15 @@ TEST_F(PackageSettingsTest, SettingsOfAnotherLanguageAreToldAndLeft) {
   EXPECT_FALSE(machine.registry.HasKey(Hive::kCurrentUser, kStagingBranch));
 }
 
+TEST_F(PackageSettingsTest, ThePackageOpenedBeforeLeavesNoFolderToWorkIn) {
+  run.ConfigAppDataFolder = "C:\\Temp\\removed\\config";
+  language = "0407";
+  PutInside();
+  PutBeside();
+  TakeUp();
+  ExpectLiveSource();
+}
+
 TEST_F(PackageSettingsTest, DifferencesOnlyAreNotedForThePages) {
   run.ProductInstalled = false;
   delta = 1;
