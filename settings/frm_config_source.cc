@@ -104,6 +104,7 @@ void frmConfigSource::OnNext() {
 }
 
 void frmConfigSource::OnBack() {
+  if (Importing) return;
   if (run_.PackageMode) {
     navigator_.GoToPage(navigator_.PreviousPageName());
     return;
@@ -125,14 +126,24 @@ bool frmConfigSource::TakeFile() {
     return false;
   }
   if (IsChanged(path) && !path.starts_with(kInPackage) &&
-      (!ValidatePath(services_, "Configuration file", path, kFileChecks) ||
-       !ImportConfiguration(context_, path, true))) {
+      (!ValidatePath(services_, "Configuration file", path, kFileChecks) || !ImportFile(path))) {
     SettingsFromFilePath.SetFocus();
     return false;
   }
   run_.SettingsFromSystem = false;
   run_.SettingsFromFile = true;
   run_.ConfigSourceName = path;
+  return true;
+}
+
+bool frmConfigSource::ImportFile(const std::string& path) {
+  Importing = true;
+  const bool imported = ImportConfiguration(context_, path, true);
+  Importing = false;
+  if (!imported) return false;
+  // The choice may have been changed meanwhile; what was imported stands.
+  SettingsFromFile.SetValue(true);
+  SettingsFromFilePath.SetText(path);
   return true;
 }
 
@@ -174,6 +185,7 @@ void frmConfigSource::EnablePages() {
 }
 
 void frmConfigSource::LeavePage(const std::string& name) {
+  if (Importing) return;
   if (!Check(EnsureTempFolder(services_, run_))) return;
   if (!(SettingsFromFile.Value() ? TakeFile() : TakeSystemOrNothing())) return;
   // The marker of a package's own settings brings no folder when it is typed.

@@ -24,6 +24,8 @@ class frmConfigSource : public WizardPage {
   ui::Option SettingsFromFile;
   ui::TextBox SettingsFromFilePath;
   ui::Button SettingsFromFileBrowse;
+  /// Set while a file is imported, against a second click.
+  bool Importing = false;
 
  protected:
   ui::Layout PageLayout() override;
@@ -39,6 +41,7 @@ class frmConfigSource : public WizardPage {
   void OnBrowse();
   bool IsChanged(const std::string& source_name) const;
   bool TakeFile();
+  bool ImportFile(const std::string& path);
   bool TakeSystemOrNothing();
   void ShowFileSource(const std::string& source_name, const std::string& text);
   void EnsureWorkingFolder();

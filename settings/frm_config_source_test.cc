@@ -234,6 +234,28 @@ TEST_F(ConfigSourceTest, CancellingEverythingDuringTheImportLeavesNothing) {
   EXPECT_FALSE(machine.files.FolderExists("C:\\Temp\\run"));
 }
 
+TEST_F(ConfigSourceTest, DuringAnImportThePageTakesNoOtherCommand) {
+  page.SettingsFromFile.UserClick();
+  page.SettingsFromFilePath.UserType("C:\\Files\\a.cab");
+  Take();
+  host.meanwhile.push_back([&] {
+    page.Next->UserClick();
+    page.Finsh->UserClick();
+    page.Back->UserClick();
+    page.SettingsFromFilePath.UserType("C:\\Files\\b.cab");
+    page.NoSettings.UserClick();
+  });
+  page.Next->UserClick();
+  EXPECT_EQ(imports, 1);
+  EXPECT_FALSE(table.FormByName("frmWelcome").Visible());
+  EXPECT_TRUE(table.Get<frmDestination>().Visible());
+  // What was imported is what the page says.
+  EXPECT_TRUE(page.SettingsFromFile.Value());
+  EXPECT_EQ(page.SettingsFromFilePath.Text(), "C:\\Files\\a.cab");
+  EXPECT_EQ(run.ConfigSourceName, "C:\\Files\\a.cab");
+  EXPECT_FALSE(IsGrey("On-Access Scanner"));
+}
+
 TEST_F(ConfigSourceTest, BrowseStartsNowhereForABadPathOrADriveRoot) {
   page.SettingsFromFile.UserClick();
   for (const char* text : {"no path", "C:\\", ""}) {

@@ -65,6 +65,10 @@ void TaskPage::LoadPage() {
   AdjustControls();
 }
 
+void TaskPage::LeavePage(const std::string& name) {
+  if (!SavingTask) WizardPage::LeavePage(name);
+}
+
 std::string TaskPage::StagingKeyOf(const std::string& identifier) const {
   return std::string(kStagingVersionKey) + "\\Tasks\\" + identifier;
 }
@@ -164,19 +168,29 @@ void TaskPage::OpenTaskDialog(const std::string& identifier, const std::string& 
 }
 
 void TaskPage::NewTask(const std::string& name, TaskKind kind) {
+  if (SavingTask) return;
   Grid.SelectRow(Grid.Rows() - 1);
   OpenTaskDialog(MakeGuidString(services_), name, true, kind);
 }
 
+// The only undo that a cancelled edit has.
+void TaskPage::SaveTask(const std::string& identifier, const std::string& file) {
+  SavingTask = true;
+  RunAndWait(services_, run_, context_.host,
+             "regedit /s /e \"" + file + "\" \"HKEY_CURRENT_USER\\" + StagingKeyOf(identifier) + "\"",
+             platform::WindowStyle::kHidden);
+  SavingTask = false;
+}
+
 void TaskPage::OnEdit() {
+  if (SavingTask) return;
   const int row = Grid.SelectedRow();
   const std::string identifier = Grid.Cell(row, kIdentifier);
   const std::string saved = run_.TempFolder + "\\" + identifier + ".reg";
   if (!run_.SettingsFromSystem) {
-    // The only undo that a cancelled edit has.
-    RunAndWait(services_, run_, context_.host,
-               "regedit /s /e \"" + saved + "\" \"HKEY_CURRENT_USER\\" + StagingKeyOf(identifier) + "\"",
-               platform::WindowStyle::kHidden);
+    SaveTask(identifier, saved);
+    // The selection may have moved meanwhile.
+    Grid.SelectRow(row);
   }
   OpenTaskDialog(identifier, Grid.Cell(row, kName), false, KindOfRow(row));
   if (services_.files->FileExists(saved)) services_.files->DeleteFile(saved, true).IgnoreError();
@@ -187,6 +201,7 @@ bool TaskPage::Ask(const std::string& text) {
 }
 
 void TaskPage::OnDelete() {
+  if (SavingTask) return;
   const int row = Grid.SelectedRow();
   if (Grid.Cell(row, kName).empty() || !ConfirmDelete(row)) return;
   const std::string identifier = Grid.Cell(row, kIdentifier);

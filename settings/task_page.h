@@ -37,6 +37,8 @@ class TaskPage : public WizardPage, public SettingsPage {
   virtual std::string StagingKeyOf(const std::string& identifier) const;
 
   ui::Grid Grid;
+  /// Set while a task's key is saved, against a second click.
+  bool SavingTask = false;
 
  protected:
   TaskPage(PageContext& context, std::string name, std::string title, std::string text, int help_id,
@@ -47,6 +49,7 @@ class TaskPage : public WizardPage, public SettingsPage {
   void MakeControls(const std::string& third_heading);
   ui::Layout TaskLayout(std::vector<ui::Layout> adding_buttons);
   void LoadPage() override;
+  void LeavePage(const std::string& name) override;
 
   /// Whether a key below "Tasks" is shown here.
   virtual bool ShowsTask(platform::Hive root, const std::string& key) = 0;
@@ -72,6 +75,7 @@ class TaskPage : public WizardPage, public SettingsPage {
 
  private:
   void OnEdit();
+  void SaveTask(const std::string& identifier, const std::string& file);
   void OnDelete();
   void MarkTaskDeleted(const std::string& identifier, bool value);
 

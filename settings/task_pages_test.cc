@@ -339,6 +339,36 @@ TEST_F(TaskPagesTest, CancellingAnEditFromAFileSourceRestoresTheKey) {
   EXPECT_FALSE(machine.files.FileExists("C:\\Temp\\run\\{C}.reg"));
 }
 
+TEST_F(TaskPagesTest, WhileATaskIsSavedForAnEditThePageTakesNoOtherCommand) {
+  run.SettingsFromSystem = false;
+  AddTask(Hive::kCurrentUser, kStagingVersionKey, "{C}", "Fetch", 5);
+  AddTask(Hive::kCurrentUser, kStagingVersionKey, "{D}", "Other", 5);
+  Updates().ReadConfig();
+  frmAutoUpdate& page = Show<frmAutoUpdate>();
+  host.meanwhile.push_back([&] {
+    page.EditButton->UserClick();
+    page.NewUpdateButton.UserClick();
+    page.DeleteButton->UserClick();
+    page.Next->UserClick();
+    page.Back->UserClick();
+    page.Grid.UserPick(2);
+  });
+  int shown = 0;
+  host.modals.push_back([&](ui::Form& form) {
+    ++shown;
+    auto& dialog = dynamic_cast<frmAddTask&>(form);
+    EXPECT_EQ(dialog.TaskName.Text(), "Fetch");
+    // The row under edit is the one whose name is not compared.
+    dialog.TaskName.UserType("fetch");
+    EXPECT_TRUE(dialog.OK.Enabled());
+    dialog.Cancel.UserClick();
+  });
+  page.EditButton->UserClick();
+  EXPECT_EQ(shown, 1);
+  EXPECT_TRUE(page.Visible());
+  EXPECT_EQ(page.Grid.Rows(), 4);
+}
+
 TEST_F(TaskPagesTest, AnEditOfTheLiveSourceSavesAndRestoresNothing) {
   AddLiveTask("{C}", "Fetch", 5);
   Updates().ReadConfig();
