@@ -12,11 +12,13 @@
 #include "base/machine_config.h"
 #include "base/storage.h"
 #include "base/text.h"
+#include "formats/utf16_bytes.h"
 #include "platform/embedded/registry.h"
 #include "platform/embedded/temp_machine.h"
 #include "platform/shared/library_abi.h"
 #include "platform/testing/registry_dump.h"
 #include "sample/archive/appended_cabinet.h"
+#include "sample/libraries/site_list.h"
 
 namespace kw::sample {
 namespace {
@@ -177,19 +179,20 @@ TEST_F(LibrariesTest, FilesAndTextsAreEnciphered) {
 }
 
 TEST_F(LibrariesTest, AnArchiveIsUnpackedAlsoByItsBareName) {
-  PutZip("Work/dat.zip", {{"SIGS.DAT", "sigs"}, {"sub/Übersicht.txt", "text"}});
+  PutZip("Work/dat.zip", {{"SIGS.DAT", "sigs"}, {"sub/Übersicht.txt", "text"}, {"./REPAIR.DAT", "repair"}});
   std::filesystem::create_directories(machine_.OnC("Out"));
   ::setenv("KITWRIGHT_CWD", "C:\\Work", 1);
   CALL(unzip_, TxUnzip)("dat.zip", "C:\\Out");
   EXPECT_EQ(CALL(unzip_, LastCallRaised)(), 0);
   EXPECT_EQ(Content("Out/SIGS.DAT"), "sigs");
   EXPECT_EQ(Content("Out/sub/Übersicht.txt"), "text");
+  EXPECT_EQ(Content("Out/REPAIR.DAT"), "repair");
 }
 
 TEST_F(LibrariesTest, ABadArchiveRaisesAndWritesNothing) {
   std::filesystem::create_directories(machine_.OnC("Out"));
   machine_.Put("drive_c/bad.zip", "PK\x03\x04 nothing");
-  PutZip("up.zip", {{"good.txt", "x"}, {"../up.txt", "x"}});
+  PutZip("up.zip", {{"good.txt", "x"}, {"./../up.txt", "x"}});
   PutZip("absolute.zip", {{"C:\\Windows\\x.txt", "x"}});
   PutZip("locked.zip", {{"a.txt", "x"}}, true);
   PutZip("root.zip", {{"good.txt", "x"}, {"/up.txt", "x"}});
@@ -302,6 +305,27 @@ TEST_F(LibrariesTest, TheListEditorWorksOnTheLiveList) {
   std::filesystem::remove(path);
   edit(nullptr, 0, "0", u"help");
   EXPECT_EQ(CALL(panel_, LastCallRaised)(), kErrorFileNotFound);
+}
+
+TEST(SiteListTextTest, AListKeepsItsSpelling) {
+  const std::string wide = formats::Utf8ToUtf16LeBytes("<L Version=\"7\" a=\"\u00e9\u4e2d\"/>");
+  const std::string changed = formats::Utf8ToUtf16LeBytes("<L Version=\"8\" a=\"\u00e9\u4e2d\"/>");
+  const std::pair<std::string, std::string> lists[] = {
+      {"<L Version=\"7\" a=\"\u00e9\"/>", "<L Version=\"8\" a=\"\u00e9\"/>"},
+      {"\xEF\xBB\xBF<L Version=\"9\"/>", "\xEF\xBB\xBF<L Version=\"10\"/>"},
+      {"<L Version=\"7\" a=\"\xE9\x81\"/>", "<L Version=\"8\" a=\"\xE9\x81\"/>"},
+      {"\xFF\xFE" + wide, "\xFF\xFE" + changed},
+      {"\xFE\xFF" + formats::SwapBytePairs(wide), "\xFE\xFF" + formats::SwapBytePairs(changed)}};
+  for (const auto& [before, after] : lists) {
+    SiteListText list = SiteListText::FromBytes(before);
+    EXPECT_TRUE(IsValidUtf8(list.utf8));
+    EXPECT_EQ(ComplaintAboutSiteList(list.utf8), "");
+    list.utf8 = ChangedSiteList(list.utf8);
+    EXPECT_EQ(list.ToBytes().value_or("(failed)"), after);
+  }
+  SiteListText western = SiteListText::FromBytes("<a>\xE9</a>");
+  western.utf8 = "<a>\u4e2d</a>";
+  EXPECT_FALSE(western.ToBytes().ok());
 }
 
 TEST_F(LibrariesTest, TheHelpLiesInTheCurrentFolder) {

@@ -24,19 +24,25 @@ kw::Result<std::string> LiveListPath() {
   return call.paths.HostPath(kw::JoinPath(folder.Text(), "SiteList.xml"));
 }
 
-/// Writes the list over the file that is there. A read-only one is refused, for the superuser too.
-kw::Status SaveList(const std::string& path, const std::string& text) {
+/// Writes over the file that is there. A read-only one is refused, for the superuser too.
+kw::Status SaveBytes(const std::string& path, const std::string& bytes) {
   std::error_code error;
   const auto mode = std::filesystem::status(path, error).permissions();
   if (!error && (mode & std::filesystem::perms::owner_write) == std::filesystem::perms::none) {
     return kw::Status(kw::kErrorAccessDenied, path + " is read-only.");
   }
-  return kw::WriteFileAtomically(kw::SystemStorage(), path, text);
+  return kw::WriteFileAtomically(kw::SystemStorage(), path, bytes);
+}
+
+kw::Status SaveList(const std::string& path, const kw::sample::SiteListText& list) {
+  KW_ASSIGN_OR_RETURN(const std::string bytes, list.ToBytes());
+  return SaveBytes(path, bytes);
 }
 
 kw::Result<int> Edit(Answer answer) {
   KW_ASSIGN_OR_RETURN(const std::string path, LiveListPath());
-  KW_ASSIGN_OR_RETURN(std::string text, kw::ReadWholeFile(kw::SystemStorage(), path));
+  KW_ASSIGN_OR_RETURN(const std::string bytes, kw::ReadWholeFile(kw::SystemStorage(), path));
+  auto list = kw::sample::SiteListText::FromBytes(bytes);
   switch (answer) {
     case Answer::kRaise:
       return kw::Result<int>(kw::kErrorFunctionFailed, "Asked to fail.");
@@ -45,17 +51,19 @@ kw::Result<int> Edit(Answer answer) {
       return 0;
     case Answer::kChange:
     case Answer::kFailSaved:
-      KW_RETURN_IF_ERROR(SaveList(path, kw::sample::ChangedSiteList(text)));
+      list.utf8 = kw::sample::ChangedSiteList(list.utf8);
+      KW_RETURN_IF_ERROR(SaveList(path, list));
       return answer == Answer::kChange ? 1 : 0;
     case Answer::kCrash:
-      KW_RETURN_IF_ERROR(SaveList(path, text.substr(0, text.size() / 2)));
+      KW_RETURN_IF_ERROR(SaveBytes(path, bytes.substr(0, bytes.size() / 2)));
       kw::sample::Crash();
     case Answer::kDialog:
       break;
   }
-  if (!kw::sample::ShowTextDialog("AutoUpdate Repository List", text, kw::sample::ComplaintAboutSiteList))
+  if (!kw::sample::ShowTextDialog("AutoUpdate Repository List", list.utf8,
+                                  kw::sample::ComplaintAboutSiteList))
     return 0;
-  KW_RETURN_IF_ERROR(SaveList(path, text));
+  KW_RETURN_IF_ERROR(SaveList(path, list));
   return 1;
 }
 

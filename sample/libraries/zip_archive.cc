@@ -45,7 +45,10 @@ Result<std::vector<Member>> Members(zip_t* archive, const std::string& path) {
     if (zip_stat_index(archive, index, ZIP_FL_ENC_GUESS, &about) != 0) {
       return Result<std::vector<Member>>(kErrorInvalidData, path + " is damaged.");
     }
-    const std::string name = ReplaceAll(about.name, "/", "\\");
+    std::string name = ReplaceAll(about.name, "/", "\\");
+    // Some packers name everything from the folder that they began in.
+    while (name.starts_with(".\\")) name.erase(0, 2);
+    if (name.empty()) continue;
     // A folder of its own brings nothing; files make the folders that they need.
     if (name.ends_with('\\') && about.size == 0) {
       KW_RETURN_IF_ERROR(cabinet::SafeParts(name.substr(0, name.size() - 1)).status());
