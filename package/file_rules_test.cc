@@ -251,6 +251,12 @@ TEST_F(RunAndWaitTest, WhatAProgramLeavesBehindAnEndedRunIsTakenAway) {
   EXPECT_FALSE(machine.files.FolderExists("C:\\Temp\\run"));
 }
 
+TEST_F(RunAndWaitTest, BehindTheEndNoProgramIsStarted) {
+  host.EndProgram();
+  EXPECT_EQ(Run("tool"), 0);
+  EXPECT_THAT(machine.processes.CommandLines(), ::testing::IsEmpty());
+}
+
 TEST_F(RunAndWaitTest, AProgramThatDoesNotStartGivesMinusOneWithoutAWord) {
   platform::testing::FakeProcesses::Script script;
   script.start_error = kErrorFileNotFound;

@@ -26,6 +26,8 @@ class Waiting {
 
 int RunAndWait(platform::Services& services, RunState& run, ui::FormHost& host,
                const std::string& command_line, platform::WindowStyle style) {
+  // Ended in an earlier wait of the same handler: nobody is there for another program.
+  if (host.Ended()) return 0;
   run.ToolWindowTitle.clear();
   const std::string temp_folder = run.TempFolder;
   const auto process = services.processes->Start(command_line, style);

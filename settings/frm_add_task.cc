@@ -87,16 +87,15 @@ void frmAddTask::ReadConfig(const std::string& identifier, const std::string& na
   OK.SetEnabled(false);
 }
 
-void frmAddTask::OnNameChange() {
-  if (TaskName.Text().empty()) {
-    ConfigureSettings.SetEnabled(false);
-    OK.SetEnabled(false);
-    return;
-  }
+bool frmAddTask::NameCanStand() {
   TaskPage& parent = Parent();
-  const bool unique = parent.IsUniqueName(TaskName.Text(), parent.Grid.SelectedRow());
-  ConfigureSettings.SetEnabled(unique);
-  if (!unique) {
+  return !TaskName.Text().empty() && parent.IsUniqueName(TaskName.Text(), parent.Grid.SelectedRow());
+}
+
+void frmAddTask::OnNameChange() {
+  const bool can_stand = NameCanStand();
+  ConfigureSettings.SetEnabled(can_stand);
+  if (!can_stand) {
     OK.SetEnabled(false);
   } else if (!IsNewTask) {
     OK.SetEnabled(true);
@@ -130,14 +129,14 @@ void frmAddTask::Configure() {
     ForgetChanges(identifier, is_new);
     return;
   }
-  if (IsNewTask) {
-    OK.SetEnabled(changed);
-  } else if (changed) {
-    OK.SetEnabled(true);
-  }
+  // The name may have been changed while the tool ran.
+  const bool enabled = changed && NameCanStand();
+  if (IsNewTask || enabled) OK.SetEnabled(enabled);
 }
 
 void frmAddTask::OnOk() {
+  // The tool has yet to save what is to be named.
+  if (InSettingsTool) return;
   platform::Services& services = context_.services;
   Hide();
   const std::string key = Key();

@@ -32,6 +32,8 @@ class frmAddTask : public WizardDialog {
  private:
   TaskPage& Parent();
   std::string Key();
+  /// Whether the box holds a name that no other task of the list has.
+  bool NameCanStand();
   void OnNameChange();
   void OnConfigure();
   void Configure();

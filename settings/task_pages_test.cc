@@ -275,6 +275,52 @@ TEST_F(TaskPagesTest, CancellingANewTaskRemovesItsKey) {
   EXPECT_FALSE(run.changes.ConfigChangedUpdate);
 }
 
+TEST_F(TaskPagesTest, ANameThatBecameTakenOrEmptyWhileTheToolRanKeepsOkDisabled) {
+  AddLiveTask("{C}", "Fetch", 5);
+  Updates().ReadConfig();
+  Show<frmAutoUpdate>();
+  frmAddTask* dialog = nullptr;
+  std::string typed;
+  machine.processes.On("TxFetch", [&](const FakeCommand&) {
+    dialog->TaskName.UserType(typed);
+    SetStagingDword("", "bTxFetch", 1);
+  });
+  host.modals.push_back([&](ui::Form& form) {
+    dialog = &dynamic_cast<frmAddTask&>(form);
+    for (const char* name : {"fetch", "", "Another"}) {
+      dialog->TaskName.UserType("Mirror 1");
+      typed = name;
+      dialog->ConfigureSettings.UserClick();
+      EXPECT_EQ(dialog->OK.Enabled(), typed == "Another") << name;
+    }
+    dialog->Cancel.UserClick();
+  });
+  Updates().NewMirrorButton.UserClick();
+}
+
+TEST_F(TaskPagesTest, OkDoesNothingWhileTheToolRuns) {
+  AddLiveTask("{C}", "Fetch", 5);
+  Updates().ReadConfig();
+  Show<frmAutoUpdate>();
+  frmAddTask* dialog = nullptr;
+  machine.processes.On("TxFetch", [&](const FakeCommand&) {
+    EXPECT_TRUE(dialog->OK.Enabled());
+    dialog->OK.UserClick();
+    EXPECT_TRUE(dialog->Visible());
+    machine.registry.AddKey(Hive::kCurrentUser, StagingVersion("\\Tasks\\{C}"));
+    machine.registry.SetText(Hive::kCurrentUser, StagingVersion("\\Tasks\\{C}"), "szTaskName", "Fetch");
+  });
+  host.modals.push_back([&](ui::Form& form) {
+    dialog = &dynamic_cast<frmAddTask&>(form);
+    dialog->TaskName.UserType("Renamed");
+    dialog->ConfigureSettings.UserClick();
+    dialog->OK.UserClick();
+  });
+  Updates().EditButton->UserClick();
+  EXPECT_FALSE(dialog->Visible());
+  EXPECT_EQ(Updates().Grid.Cell(1, 1), "Renamed");
+}
+
 TEST_F(TaskPagesTest, ATaskAbandonedWhileTheToolRunsLeavesNothing) {
   Scans().ReadConfig();
   Show<frmScheduledScan>();
