@@ -135,8 +135,8 @@ void frmAddTask::Configure() {
 }
 
 void frmAddTask::OnOk() {
-  // The tool has yet to save what is to be named.
-  if (InSettingsTool) return;
+  // The tool has yet to save what is to be named. One that runs on for an abandoned task does not count.
+  if (InSettingsTool && abandoned_.empty()) return;
   platform::Services& services = context_.services;
   Hide();
   const std::string key = Key();

@@ -321,6 +321,29 @@ TEST_F(TaskPagesTest, OkDoesNothingWhileTheToolRuns) {
   EXPECT_EQ(Updates().Grid.Cell(1, 1), "Renamed");
 }
 
+TEST_F(TaskPagesTest, OkServesAnotherTaskWhileTheToolOfAnAbandonedOneRunsOn) {
+  AddLiveTask("{C}", "Fetch", 5);
+  AddLiveTask("{D}", "Other", 5);
+  Updates().ReadConfig();
+  Show<frmAutoUpdate>();
+  machine.processes.On("TxFetch", [&](const FakeCommand&) {
+    auto& dialog = table.Get<frmAddTask>();
+    dialog.Cancel.UserClick();
+    host.modals.push_back([](ui::Form& form) {
+      auto& again = dynamic_cast<frmAddTask&>(form);
+      again.TaskName.UserType("Renamed");
+      again.OK.UserClick();
+    });
+    Updates().Grid.UserPick(2);
+    Updates().EditButton->UserClick();
+    EXPECT_FALSE(dialog.Visible());
+  });
+  host.modals.push_back(
+      [](ui::Form& form) { dynamic_cast<frmAddTask&>(form).ConfigureSettings.UserClick(); });
+  Updates().EditButton->UserClick();
+  EXPECT_TRUE(run.changes.ConfigChangedUpdate);
+}
+
 TEST_F(TaskPagesTest, ATaskAbandonedWhileTheToolRunsLeavesNothing) {
   Scans().ReadConfig();
   Show<frmScheduledScan>();
