@@ -112,6 +112,7 @@ void frmFeatures::OnFeatureClick(int node) {
     mnuFeatureState.Item(name).enabled = any_command;
   VisibilityChanged = false;
   ChosenLevel = -1;
+  InstallSubFeatures = 0;  // a command that failed on the way leaves it set
   ShowPopup(mnuFeatureState);
   Check(RunCommand(node));
 }

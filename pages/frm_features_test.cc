@@ -334,5 +334,15 @@ TEST_F(FeaturesTest, ARequiredRowBelowAShownFeatureFailsTheLookupOfItsItem) {
   EXPECT_TRUE(page().Visible());
 }
 
+TEST_F(FeaturesTest, InstallFeatureAfterAFailedCommandWithSubFeaturesLeavesThemAlone) {
+  AddFeature("Samples", "Extras", "Samples", 40, 200);
+  Reopen();
+  Sql("update `Feature` set `Title` = 'Required' where `Feature` = 'OnAccessScanner'");
+  Open();
+  Choose("Console", "Install Feature and Sub-Features");
+  Choose("Extras", "Install Feature");
+  EXPECT_EQ(Level("Samples"), "200");
+}
+
 }  // namespace
 }  // namespace kw

@@ -14,6 +14,7 @@ namespace {
 
 constexpr const char* kNoPackage =
     "Please enter a source folder containing a valid Kestrane Enterprise installation package";
+constexpr const char* kSameFolders = "Source and destination folders cannot be the same.";
 constexpr size_t kTooLongDestination = 227;
 
 }  // namespace
@@ -142,14 +143,16 @@ bool frmSourceAndDestination::CheckFolders(std::string& setup_path) {
   run_.SourceWasExtracted = false;
   run_.SourceFolder = NormalizeFolder(SourceDir.Text());
   run_.DestinationFolder = NormalizeFolder(DestinationDir.Text());
-  if (EqualsNoCase(run_.SourceFolder, run_.DestinationFolder))
-    return Stop(SourceDir, "Source and destination folders cannot be the same.");
+  if (EqualsNoCase(run_.SourceFolder, run_.DestinationFolder)) return Stop(SourceDir, kSameFolders);
   if (CharacterCount(run_.DestinationFolder) >= kTooLongDestination)
     return Stop(DestinationDir,
                 "The destination folder path name is too long.  Please provide a shorter path name.");
   if (!ValidatePath(services_, "Destination folder", DestinationDir.Text(),
                     kCheckCharacters | kCheckLocal | kCheckUnc))
     return Stay(DestinationDir);
+  // In another spelling too: a build that fails, or an optimised one, would delete the source's own files.
+  if (services_.files->IsSameFolder(SourceDir.Text(), DestinationDir.Text()))
+    return Stop(SourceDir, kSameFolders);
   if (!HoldsProductDatabase(services_, run_.SourceFolder)) {
     setup_path = run_.SourceFolder + "\\SETUP.EXE";
     if (!services_.files->FileExists(setup_path)) return Stop(SourceDir, kNoPackage);

@@ -53,6 +53,9 @@ class FileSystem {
   virtual Result<FileEntry> GetFile(const std::string& path) = 0;
   /// True for a link, whatever it points to; false for what lies behind one.
   virtual bool IsLink(const std::string& path) = 0;
+  /// True if both paths lead to one folder that is there, however they are spelled: with "." and "..",
+  /// through links, by another drive or by a short name.
+  virtual bool IsSameFolder(const std::string& one, const std::string& two) = 0;
   /// The entries of a folder in case-insensitive name order, without "." and "..".
   virtual Result<std::vector<FileEntry>> List(const std::string& folder) = 0;
 

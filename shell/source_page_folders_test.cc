@@ -44,6 +44,19 @@ TEST_F(SourcePageFolders, TheSameFolderTwiceIsRefusedWithoutRegardToCaseAndTrail
               ElementsAre("message Source and destination folders cannot be the same.", kFocusSource));
 }
 
+TEST_F(SourcePageFolders, TheSameFolderIsRefusedInEverySpellingThatThePathRulesTake) {
+  const auto refused =
+      ElementsAre("message Source and destination folders cannot be the same.", kFocusSource);
+  machine.files.AddLink("C:\\Link", "C:\\Source");
+  for (const char* destination : {"C:\\.\\Source", "C:\\Source\\.", "c:\\Source\\..\\sOURCE", "C:\\Link"}) {
+    page().DestinationDir.SetText(destination);
+    EXPECT_THAT(Next(), refused) << destination;
+  }
+  page().SourceDir.SetText("C:\\Source\\\\");
+  page().DestinationDir.SetText("C:\\Source");
+  EXPECT_THAT(Next(), refused);
+}
+
 TEST_F(SourcePageFolders, ADestinationOf226CharactersPassesAndOneMoreDoesNot) {
   page().DestinationDir.SetText("C:\\Out\\" + std::string(220, 'd'));
   EXPECT_THAT(Next(), ElementsAre("message The destination folder path name is too long.  Please provide a "

@@ -155,6 +155,11 @@ Result<FileEntry> EmbeddedFileSystem::GetFile(const std::string& path) {
 
 bool EmbeddedFileSystem::IsLink(const std::string& path) { return LookAtTarget(paths_, path).is_link; }
 
+bool EmbeddedFileSystem::IsSameFolder(const std::string& one, const std::string& two) {
+  const HostStatus status = Look(paths_, one).status;
+  return status.IsFolder() && status.SameAs(Look(paths_, two).status);
+}
+
 Result<std::vector<FileEntry>> EmbeddedFileSystem::List(const std::string& folder) {
   const Spot spot = Look(paths_, folder);
   if (!spot.status.IsFolder()) {

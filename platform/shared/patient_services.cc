@@ -33,6 +33,9 @@ class PatientFileSystem : public FileSystem {
   bool FolderExists(const std::string& path) override { return inner_.FolderExists(path); }
   Result<FileEntry> GetFile(const std::string& path) override { return inner_.GetFile(path); }
   bool IsLink(const std::string& path) override { return inner_.IsLink(path); }
+  bool IsSameFolder(const std::string& one, const std::string& two) override {
+    return inner_.IsSameFolder(one, two);
+  }
   Result<std::vector<FileEntry>> List(const std::string& folder) override { return inner_.List(folder); }
   Status CopyFile(const std::string& from, const std::string& to, bool overwrite) override {
     return patience_.Run([&] { return inner_.CopyFile(from, to, overwrite); });

@@ -247,6 +247,11 @@ Result<FileEntry> FakeFileSystem::GetFile(const std::string& path) {
 
 bool FakeFileSystem::IsLink(const std::string& path) { return IsLinkAt(Find(path)); }
 
+bool FakeFileSystem::IsSameFolder(const std::string& one, const std::string& two) {
+  const Place place = Find(one);
+  return place.node != nullptr && place.node->is_folder && place.node == Find(two).node;
+}
+
 Result<std::vector<FileEntry>> FakeFileSystem::List(const std::string& folder) {
   if (const int number = Ordered(FileOperation::kList, folder)) return FileError(number, "list", folder);
   const Place place = Find(folder);

@@ -91,6 +91,7 @@ class FakeFileSystem : public FileSystem {
   bool FolderExists(const std::string& path) override;
   Result<FileEntry> GetFile(const std::string& path) override;
   bool IsLink(const std::string& path) override;
+  bool IsSameFolder(const std::string& one, const std::string& two) override;
   Result<std::vector<FileEntry>> List(const std::string& folder) override;
   Status CopyFile(const std::string& from, const std::string& to, bool overwrite) override;
   Status DeleteFile(const std::string& path, bool force) override;

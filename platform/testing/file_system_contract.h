@@ -107,6 +107,23 @@ TEST_P(FileSystemContract, ALinkToAFolderIsNoPlaceForAFolderAndIsDeletedAlone) {
   EXPECT_EQ(Read("kept\\file"), "kept");
 }
 
+TEST_P(FileSystemContract, OneFolderIsKnownInEverySpelling) {
+  ASSERT_TRUE(files.CreateFolder(In("Größe")).ok());
+  ASSERT_TRUE(files.CreateFolder(In("other")).ok());
+  Write("file", "x");
+  for (const char* spelling : {"Größe", "gRÖßE\\", ".\\Größe\\.", "other\\..\\Größe"}) {
+    EXPECT_TRUE(files.IsSameFolder(In("Größe"), In(spelling))) << spelling;
+    EXPECT_TRUE(files.IsSameFolder(In(spelling), In("Größe"))) << spelling;
+  }
+  for (const char* another : {"other", "none", "file", "", "Größe\\none", "a?b"}) {
+    EXPECT_FALSE(files.IsSameFolder(In("Größe"), In(another))) << another;
+  }
+  for (const char* none : {"none", "file"}) EXPECT_FALSE(files.IsSameFolder(In(none), In(none))) << none;
+  EXPECT_FALSE(files.IsSameFolder("", ""));
+  const bool linked = Link("link", "Größe");
+  EXPECT_EQ(files.IsSameFolder(In("link"), In("Größe")), linked);
+}
+
 TEST_P(FileSystemContract, NamesAreFoundWithoutRegardToCaseBeyondAscii) {
   Write("Größe Ärger.TXT", "a");
   EXPECT_FALSE(files.FileExists(In("GRÖSSE ÄRGER.txt")));

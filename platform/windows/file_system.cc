@@ -158,16 +158,18 @@ class Replacement {
   OwnedHandle file_;
 };
 
-bool SameFile(const Spot& one, const Spot& two) {
-  if (!one.IsFile() || !two.IsFile()) return false;
+// Whether two spots are one file, or one folder.
+bool SameThing(const Spot& one, const Spot& two) {
+  if (!one.exists || !two.exists) return false;
   BY_HANDLE_FILE_INFORMATION of[2] = {};
   const Spot* spots[2] = {&one, &two};
   for (int i = 0; i < 2; ++i) {
-    // No right at all is asked for, so that a file in exclusive use can be looked at too.
-    const OwnedHandle file(CreateFileW(spots[i]->call.c_str(), 0,
-                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file.valid() || !GetFileInformationByHandle(file.get(), &of[i])) return false;
+    // No right at all is asked for, so that a file in exclusive use can be looked at too. Folders open with
+    // the flag alone.
+    const OwnedHandle handle(CreateFileW(spots[i]->call.c_str(), 0,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                         OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    if (!handle.valid() || !GetFileInformationByHandle(handle.get(), &of[i])) return false;
   }
   return of[0].dwVolumeSerialNumber == of[1].dwVolumeSerialNumber &&
          of[0].nFileIndexHigh == of[1].nFileIndexHigh && of[0].nFileIndexLow == of[1].nFileIndexLow;
@@ -206,6 +208,11 @@ Result<FileEntry> WindowsFileSystem::GetFile(const std::string& path) {
 
 bool WindowsFileSystem::IsLink(const std::string& path) { return Spot::Of(path).IsLink(); }
 
+bool WindowsFileSystem::IsSameFolder(const std::string& one, const std::string& two) {
+  const Spot spot = Spot::Of(one);
+  return spot.IsFolder() && SameThing(spot, Spot::Of(two));
+}
+
 Result<std::vector<FileEntry>> WindowsFileSystem::List(const std::string& folder) {
   const Spot spot = Spot::Of(folder);
   if (!spot.IsFolder()) {
@@ -242,7 +249,7 @@ Status WindowsFileSystem::CopyFile(const std::string& from, const std::string& t
     OwnedHandle in;
     if (const int number = OpenForReading(source, in)) return FileError(number, "copy", from);
   }
-  if (!target.IsLink() && SameFile(source, target)) return {};
+  if (!target.IsLink() && SameThing(source, target)) return {};
 
   const auto failure = [&](int number) { return FileError(number, "copy " + from + " to", to); };
   if (target.IsFile() && !target.ReadOnly() && !overwrite) return failure(kErrorFileExists);
