@@ -8,6 +8,7 @@
 #include "package/installer_db.h"
 #include "package/staging.h"
 #include "pages/frm_registry_settings.h"
+#include "pages/wizard_dialog.h"
 #include "settings/branches.h"
 #include "settings/frm_auto_update.h"
 #include "settings/frm_scheduled_scan.h"
@@ -34,11 +35,12 @@ class Output {
       run_.ProductLocale = "0000";
     }
     WriteRootValues();
+    const bool removed = RemoveOld("KTE700.REG");
     // The line ends with the key path: its quote stays open.
     RunAndWait(services_, run_, context_.host,
                "regedit /s /e \"" + Folder("KTE700.REG") + "\" \"HKEY_CURRENT_USER\\" + kStagingBranch,
                platform::WindowStyle::kHidden);
-    if (!EncipherFiles()) {
+    if (!removed || !EncipherFiles()) {
       services_.dialogs->Message(
           "Could not encrypt the configuration file, Kestrane Enterprise application settings cannot be "
           "added to the " +
@@ -46,7 +48,7 @@ class Output {
       return false;
     }
     // Whatever went wrong on the way shows as a cabinet that cannot be delivered.
-    if (!MakeSettingsCabinet(context_).ok() || !Deliver()) {
+    if (!RemoveOld(run_.SettingsFileName) || !MakeSettingsCabinet(context_).ok() || !Deliver()) {
       services_.dialogs->Message(
           "Could not copy settings file.  Kestrane Enterprise application settings cannot be "
           "added to the " +
@@ -58,6 +60,12 @@ class Output {
 
  private:
   std::string Folder(const std::string& file) const { return run_.ConfigAppDataFolder + "\\" + file; }
+
+  // A file that an import left in the folder must not pass for the one that could not be made.
+  bool RemoveOld(const std::string& file) {
+    const auto there = FileIsThere(services_, Folder(file));
+    return there.ok() && (!*there || services_.files->DeleteFile(Folder(file), true).ok());
+  }
 
   void FlushPages() {
     Navigator& pages = context_.navigator;
@@ -94,7 +102,11 @@ class Output {
   bool EncipherFiles() {
     if (!EncryptFile(services_, Folder("KTE700.REG"), Folder("KTE700.CFG"))) return false;
     for (const frmRegistrySettings::Slot* slot : registry_page_.ChosenSlots()) {
-      if (!slot->box->Text().empty() && !EncipherIfPresent(slot->path, std::string(slot->base_name) + ".CFG"))
+      if (slot->box->Text().empty()) continue;
+      const std::string enciphered = std::string(slot->base_name) + ".CFG";
+      // One of the source that did not decipher travels on as it is.
+      const bool from_source = slot->box->Text().starts_with(kInPackage);
+      if ((!from_source && !RemoveOld(enciphered)) || !EncipherIfPresent(slot->path, enciphered))
         return false;
     }
     return EncipherIfPresent(Folder("SiteList.XML"), "SiteList.CFG") &&

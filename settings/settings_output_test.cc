@@ -172,6 +172,29 @@ TEST_F(SettingsOutputTest, AnExportThatLeftNothingShowsAtTheCipher) {
                                       "application settings cannot be added to the installation package."));
 }
 
+TEST_F(SettingsOutputTest, WhatAnImportLeftIsNotTakenForAnExportThatFailed) {
+  run.SettingsFromSystem = false;
+  machine.files.AddFile(Folder("KTE700.REG"), "imported");
+  machine.processes.On("regedit /s /e", 1);
+  EXPECT_FALSE(Add());
+  EXPECT_THAT(Messages(), ElementsAre(kEncipherFailed));
+}
+
+TEST_F(SettingsOutputTest, AnImportedExportThatCannotGoStopsTheBuild) {
+  machine.files.AddFile(Folder("KTE700.REG"), "imported");
+  machine.files.FailNext(FileOperation::kDeleteFile, Folder("KTE700.REG"), kErrorAccessDenied);
+  EXPECT_FALSE(Add());
+  EXPECT_THAT(Messages(), ElementsAre(kEncipherFailed));
+}
+
+TEST_F(SettingsOutputTest, ACabinetInsideTheImportedOneIsNotDelivered) {
+  machine.files.AddFile(Folder("KTECFG.CAB"), "of the source");
+  machine.processes.On("C:\\Kitwright\\MakeCab.exe", 1);
+  machine.dialogs.answers = {Answer::kCancel};
+  EXPECT_FALSE(Add());
+  EXPECT_EQ(Messages().back(), kCopyFailed);
+}
+
 TEST_F(SettingsOutputTest, EveryFileThatDoesNotEncipherStopsWithTheMessage) {
   for (const char* plain : {"SiteList.XML", "BulwarkPrefs.TXT", "own.reg"}) {
     machine.files.AddFile(Folder(plain), "plain");
@@ -259,6 +282,17 @@ TEST_F(SettingsOutputTest, OneRegistryFileOrThoseOfTheSystemsAreListed) {
 }
 
 TEST_F(SettingsOutputTest, ARegistryFileThatVanishedIsPassedOver) {
+  machine.files.AddFile("C:\\Files\\own.reg", "REGEDIT4");
+  RegistryPage().Show();
+  RegistryPage().RegFile.SetText("C:\\Files\\own.reg");
+  RegistryPage().Next->UserClick();
+  EXPECT_TRUE(machine.files.DeleteFile("C:\\Files\\own.reg", true).ok());
+  EXPECT_TRUE(Add());
+  EXPECT_THAT(Members(), ElementsAre("KTE700.CFG"));
+}
+
+TEST_F(SettingsOutputTest, ARegistryFileThatVanishedDoesNotBringBackTheOneOfTheSource) {
+  machine.files.AddFile(Folder("ZED_GEN.CFG"), "of the source");
   machine.files.AddFile("C:\\Files\\own.reg", "REGEDIT4");
   RegistryPage().Show();
   RegistryPage().RegFile.SetText("C:\\Files\\own.reg");
