@@ -32,7 +32,7 @@ frmWelcome::frmWelcome(PageContext& context)
   Help.on_click = [this] { ShowHelp(context_, kHelpId); };
   Next.on_click = [this] { OnNext(); };
   Next.is_default = true;
-  Cancel.on_click = [this] { context_.host.EndProgram(); };
+  Cancel.on_click = [this] { Leave(); };
   Cancel.is_cancel = true;
 }
 
@@ -66,8 +66,17 @@ void frmWelcome::OnActivate() {
 }
 
 bool frmWelcome::OnQueryUnload() {
-  context_.host.EndProgram();
+  Leave();
   return true;
+}
+
+// Ends at once. Who came back here leaves none of the folders that the run has made so far: settings lie in
+// them.
+void frmWelcome::Leave() {
+  const RunState& run = context_.run;
+  DiscardDestination(context_.services, context_.run);
+  if (!run.TempFolder.empty()) context_.services.files->DeleteFolder(run.TempFolder, true).IgnoreError();
+  context_.host.EndProgram();
 }
 
 void frmWelcome::OnNext() {

@@ -33,6 +33,7 @@ class frmWelcome : public ui::Form {
 
  private:
   void OnNext();
+  void Leave();
 
   PageContext& context_;
   /// False once the user has left: the next activation unloads the pages.

@@ -276,6 +276,26 @@ TEST_F(WelcomeTest, CancelAndCloseEndAtOnceWithoutAQuestion) {
   EXPECT_THAT(other.Take(), Contains("end"));
 }
 
+TEST_F(WelcomeTest, LeavingAfterComingBackLeavesNoFolderOfTheRun) {
+  welcome().Show();
+  welcome().GenerateSettings.UserClick();
+  welcome().Next.UserClick();
+  Page("frmConfigSource").Next->UserClick();
+  const std::string temp = run.TempFolder;
+  ASSERT_TRUE(machine.files.FolderExists(temp));
+  run.DestinationFolder = "C:\\Out";
+  run.DestinationInUse = true;
+  machine.files.AddFolder(run.DestinationFolder);
+  Page("frmDestination").Back->UserClick();
+  Page("frmConfigSource").Back->UserClick();
+  ASSERT_TRUE(welcome().Visible());
+  Take();
+  welcome().Cancel.UserClick();
+  EXPECT_THAT(Take(), ElementsAre("end"));
+  EXPECT_FALSE(machine.files.FolderExists(temp));
+  EXPECT_FALSE(machine.files.FolderExists("C:\\Out"));
+}
+
 TEST_F(WelcomeTest, ReturningAndGoingOnGivesNewEmptyPagesWithoutAQuestion) {
   welcome().Show();
   welcome().Next.UserClick();
