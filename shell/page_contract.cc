@@ -79,7 +79,11 @@ void WizardPage::OnNext() { LeavePage(navigator_.NextPageName()); }
 
 void WizardPage::OnBack() { LeavePage(navigator_.PreviousPageName()); }
 
-void WizardPage::OnFinish() { LeavePage(navigator_.FormByName("frmReviewConfiguration").Caption()); }
+void WizardPage::OnFinish() {
+  // Opening a package makes the form anew, and its caption with it.
+  const std::string caption = navigator_.FormByName("frmReviewConfiguration").Caption();
+  LeavePage(caption);
+}
 
 void WizardPage::OnCancel() {
   if (!ConfirmCancel(context_)) return;

@@ -270,6 +270,19 @@ TEST_F(SourcePagePackage, ATreeClickOpensThePackageToo) {
   EXPECT_TRUE(run.WorkingDatabase);
 }
 
+TEST_F(SourcePagePackage, FinishOpensThePackageAndGoesToTheReviewEachTime) {
+  const auto review = [this]() -> ui::Form& { return table.FormByName("frmReviewConfiguration"); };
+  page().Finsh->UserClick();
+  EXPECT_TRUE(review().Visible());
+  EXPECT_TRUE(run.WorkingDatabase);
+  machine.dialogs.answers = {Answer::kOk};
+  ClickNode("frmReviewConfiguration", "Source and Destination");
+  EXPECT_FALSE(run.WorkingDatabase);
+  page().Finsh->UserClick();
+  EXPECT_TRUE(review().Visible());
+  EXPECT_FALSE(page().Visible());
+}
+
 TEST_F(SourcePagePackage, ASecondOpeningInOneRunStartsFromFreshPages) {
   Next();
   table.SetPageFeatureOff("Scheduled Scans", true);
