@@ -25,7 +25,9 @@ bool IsEmptyFolder(platform::Services& services, const std::string& folder) {
 
 void DeleteListed(platform::Services& services, const FileListPtr& list, const std::string& folder) {
   if (!list) return;
-  for (const std::string& name : *list) services.files->DeleteFile(folder + "\\" + name, true).IgnoreError();
+  for (const std::string& name : *list) {
+    if (!list->kept.contains(name)) services.files->DeleteFile(folder + "\\" + name, true).IgnoreError();
+  }
 }
 
 void DeleteFolderIfEmpty(platform::Services& services, const std::string& folder) {

@@ -14,7 +14,7 @@ void CleanUpRun(platform::Services& services, RunState& run);
 /// value back.
 void RemoveExtractedSource(platform::Services& services, RunState& run);
 /// Takes back what the run wrote to the destination, and the destination itself where the run made it and
-/// nothing else lies in it. DestinationInUse stays as it is.
+/// nothing else lies in it. What lay there to be packed stays, and so does DestinationInUse.
 void UndoDestination(platform::Services& services, RunState& run);
 /// The same where there is something to take back (a destination that the run made), and lets go of it.
 void DiscardDestination(platform::Services& services, RunState& run);

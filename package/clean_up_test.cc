@@ -143,6 +143,15 @@ TEST_F(UndoDestinationTest, KeepsACompanionFolderThatHoldsSomethingElse) {
   EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("BCN\\mine.txt"));
 }
 
+TEST_F(UndoDestinationTest, KeepsWhatLayThereToBePacked) {
+  run.DestinationInUse = true;
+  machine.files.AddFile("C:\\Out\\hotfix.msp", "x");
+  run.DestinationFileList->push_back("HOTFIX.MSP");
+  run.DestinationFileList->kept.insert("Hotfix.msp");
+  UndoDestination(machine.services, run);
+  EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("hotfix.msp"));
+}
+
 TEST_F(UndoDestinationTest, RemovesTheConsolesCatalogueToo) {
   machine.files.AddFile("C:\\Out\\PkgCatalog.z", "x");
   UndoDestination(machine.services, run);

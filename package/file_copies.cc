@@ -47,6 +47,11 @@ Status CopyWritable(platform::Services& services, const std::string& from, const
   return MakeWritable(services, to);
 }
 
+bool IsSameFile(platform::Services& services, const std::string& one, const std::string& two) {
+  return EqualsNoCase(FileNameOf(one), FileNameOf(two)) &&
+         services.files->IsSameFolder(ParentOf(one) + "\\", ParentOf(two) + "\\");
+}
+
 bool CopyFileToFolder(platform::Services& services, const std::string& path, const std::string& folder,
                       FileListPtr& list) {
   if (!list) list = std::make_unique<FileList>();
@@ -66,6 +71,7 @@ bool CopyFileToFolder(platform::Services& services, const std::string& path, con
   }
   MakeWritable(services, target).IgnoreError();
   list->push_back(ToUpper(name));
+  if (IsSameFile(services, path, target)) list->kept.insert(name);
   return true;
 }
 

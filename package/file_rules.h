@@ -54,6 +54,8 @@ Status MakeWritable(platform::Services& services, const std::string& path);
 Status CopyOver(platform::Services& services, const std::string& from, const std::string& to);
 /// The same, but the copy can be written to whatever `from` is.
 Status CopyWritable(platform::Services& services, const std::string& from, const std::string& to);
+/// True for two spellings of one file, as far as their folders and names tell.
+bool IsSameFile(platform::Services& services, const std::string& one, const std::string& two);
 /// Copies a file into a folder, asking Retry or Cancel on failures, and adds its upper-cased name to `list`.
 /// A link that has the name is replaced. False when the user gave up.
 bool CopyFileToFolder(platform::Services& services, const std::string& path, const std::string& folder,

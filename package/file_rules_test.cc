@@ -164,6 +164,15 @@ TEST_F(FileCopyTest, AReadOnlyTargetIsReplaced) {
   EXPECT_EQ(machine.files.Content("C:\\To\\a file.txt"), "new");
 }
 
+TEST_F(FileCopyTest, AFileThatLiesInTheFolderAlreadyIsListedAndNotTheRunsToDelete) {
+  EXPECT_TRUE(CopyFileToFolder(machine.services, "C:\\from\\.\\A File.txt", "C:\\From", list));
+  EXPECT_THAT(*list, ElementsAre("A FILE.TXT"));
+  EXPECT_TRUE(list->kept.contains("a file.txt"));
+  EXPECT_EQ(machine.files.Content("C:\\From\\a file.txt"), "new");
+  EXPECT_TRUE(Copy());
+  EXPECT_THAT(list->kept, ::testing::SizeIs(1));
+}
+
 TEST_F(FileCopyTest, AMissingSourceIsAskedForUntilItIsThere) {
   machine.dialogs.answers = {platform::Answer::kRetry, platform::Answer::kCancel};
   EXPECT_FALSE(CopyFileToFolder(machine.services, "C:\\From\\no.txt", "C:\\To", list));

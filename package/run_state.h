@@ -2,15 +2,21 @@
 #define KITWRIGHT_PACKAGE_RUN_STATE_H_
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/installer.h"
 
 namespace kw {
 
 /// Names of files, in order, duplicates allowed; absent until the first name is added.
-using FileList = std::vector<std::string>;
+struct FileList : std::vector<std::string> {
+  using std::vector<std::string>::vector;
+  /// Those of them that lay in their folder as something to be packed, and are not the run's to delete.
+  std::set<std::string, LessNoCase> kept;
+};
 using FileListPtr = std::unique_ptr<FileList>;
 
 /// The change flags of the settings pages: work that a change of source would destroy.

@@ -298,6 +298,9 @@ bool frmBeaconryServer::CopyNestedFiles() {
   // A folder that cannot be made shows in the copy.
   if (!MakeOwnFolder(services_, folder).ok() && services_.files->IsLink(folder)) return false;
   if (!CopyFileToFolder(services_, run_.BeaconryWorkingMsiPath, folder, run_.BeaconryFileList)) return false;
+  // A server that lies in the destination already has its choices written into it, but stays.
+  if (services_.files->IsSameFolder(run_.BeaconrySourceFolder + "\\", folder))
+    run_.BeaconryFileList->kept.insert(kNestedPackage);
   const auto entries = ListFolder(services_, run_.BeaconrySourceFolder);
   if (!entries.ok()) return false;
   for (const platform::FileEntry& entry : *entries) {

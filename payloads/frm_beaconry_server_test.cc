@@ -383,6 +383,21 @@ TEST_F(BeaconryServerTest, APackageAtTheRootOfADiskIsCopiedFromThere) {
   EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("BCN\\BCN470.msi", "BCN\\root.txt"));
 }
 
+TEST_F(BeaconryServerTest, APackageThatLiesInTheDestinationAlreadyIsNotTheRunsToDelete) {
+  WriteNested("C:\\Out\\BCN");
+  machine.files.AddFile("C:\\Out\\BCN\\Readme.txt", "readme");
+  Choose();
+  page().SourceDir.UserType("C:\\Out\\BCN");
+  page().UseSystemAccountForBeaconry.UserClick();
+  page().BeaconryUserName.UserType("alerts");
+  Next();
+  ASSERT_TRUE(page().SaveConfig());
+  EXPECT_THAT(*run.BeaconryFileList, ElementsAre("BCN470.MSI", "README.TXT"));
+  EXPECT_THAT(run.BeaconryFileList->kept, ElementsAre("BCN470.msi", "Readme.txt"));
+  run.BeaconryDatabase.reset();
+  EXPECT_EQ(SavedProperty("BEACONRYUSERNAME"), "alerts");
+}
+
 TEST_F(BeaconryServerTest, ServersOnlyAndTheDefaultFolderWriteEmptyProperties) {
   CarryNested({{"INSTALLDIR", "D:\\Alerts"}});
   Sql("insert into `Property` (`Property`, `Value`) values ('FORCEBCSINSTALL', 'TRUE')");

@@ -256,9 +256,13 @@ bool frmInstallBWK::MakeInstaller(std::string& final_installer) {
 bool frmInstallBWK::CopyInstaller(const std::string& final_installer) {
   platform::FileSystem& files = *services_.files;
   const std::string folder = run_.DestinationFolder + "\\BWK\\";
-  files.DeleteFile(folder + InstallFileName, true).IgnoreError();
-  run_.BulwarkProgramCopied = CopyOver(services_, final_installer, folder + kProgram).ok();
-  return run_.BulwarkProgramCopied && files.FileExists(folder + kProgram);
+  // The given program may lie there itself; then it is not the run's to delete.
+  if (!IsSameFile(services_, InstallerPath, folder + InstallFileName))
+    files.DeleteFile(folder + InstallFileName, true).IgnoreError();
+  const bool own = IsSameFile(services_, InstallerPath, folder + kProgram);
+  const bool copied = CopyOver(services_, final_installer, folder + kProgram).ok();
+  run_.BulwarkProgramCopied = copied && !own;
+  return copied && files.FileExists(folder + kProgram);
 }
 
 void frmInstallBWK::AddChoices(ui::ListBox& list) {

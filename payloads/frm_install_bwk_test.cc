@@ -388,6 +388,27 @@ TEST_F(InstallBwkTest, AProgramOfTheGivenNameIsTakenOutOfTheDestination) {
   EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("BWK\\Bulwark.EXE"));
 }
 
+TEST_F(InstallBwkTest, AProgramThatLiesInTheDestinationAlreadyIsNotTheRunsToDelete) {
+  machine.files.AddFile("C:\\Out\\BWK\\Bulwark.EXE", "of an earlier run");
+  Choose("C:\\Out\\BWK\\Bulwark.EXE");
+  table.Get<frmInstallOptions>().SilentInstall.SetChecked(true);
+  Next();
+  ASSERT_TRUE(page().SaveConfig());
+  EXPECT_EQ(Saved(), "of an earlier run");
+  EXPECT_FALSE(run.BulwarkProgramCopied);
+}
+
+TEST_F(InstallBwkTest, AProgramThatLiesThereUnderAnotherNameStaysBesideItsCopy) {
+  machine.files.AddFile("C:\\Out\\BWK\\Bulwark8.exe", "given");
+  Choose("C:\\Out\\BWK\\Bulwark8.exe");
+  table.Get<frmInstallOptions>().SilentInstall.SetChecked(true);
+  Next();
+  ASSERT_TRUE(page().SaveConfig());
+  EXPECT_EQ(machine.files.Content("C:\\Out\\BWK\\Bulwark8.exe"), "given");
+  EXPECT_EQ(Saved(), "given");
+  EXPECT_TRUE(run.BulwarkProgramCopied);
+}
+
 TEST_F(InstallBwkTest, ASetupIniThatCannotBeWrittenFailsTheStepWithoutAWord) {
   Choose();
   Next();
