@@ -73,32 +73,38 @@ void frmPatchFiles::ReadConfig() {
   }
 }
 
-std::string frmPatchFiles::BrowsePatchFile(const std::string& current_path) {
-  std::string chosen = services_.dialogs->OpenFile("Select Patch File to Install",
-                                                   "Patch Files (*.msp)|*.msp", "", current_path);
+std::string frmPatchFiles::BrowsePatchFile(const std::string& current_path, bool& cancelled) {
+  const std::string chosen = services_.dialogs->OpenFile("Select Patch File to Install",
+                                                         "Patch Files (*.msp)|*.msp", "", current_path);
+  cancelled = chosen.empty();
   // A cancelled dialog still holds the name that it began with.
-  if (chosen.empty()) chosen = current_path;
-  return ToUpper(chosen);
+  return ToUpper(cancelled ? current_path : chosen);
+}
+
+const char* frmPatchFiles::Refusal(const std::string& name, int skip) const {
+  if (!EndsWithNoCase(name, ".msp")) {
+    return "You attempted to add a file that does not have the .MSP extension.  Please select a valid patch "
+           "file with the .MSP extension or click Cancel to return to the wizard.";
+  }
+  for (int line = 0; line < PatchFiles.Count(); ++line) {
+    if (line != skip && PatchFiles.Items()[static_cast<size_t>(line)] == name) {
+      return "You attempted to add a duplicate file.  Please select a different file or click Cancel to "
+             "return to the wizard.";
+    }
+  }
+  return nullptr;
 }
 
 std::string frmPatchFiles::AskForPatch(const std::string& current_path, int skip) {
   while (!context_.host.Ended()) {
-    const std::string name = BrowsePatchFile(current_path);
+    bool cancelled = false;
+    const std::string name = BrowsePatchFile(current_path, cancelled);
     if (name.empty()) return {};
-    if (!EndsWithNoCase(name, ".msp")) {
-      services_.dialogs->Message(
-          "You attempted to add a file that does not have the .MSP extension.  Please select a valid patch "
-          "file with the .MSP extension or click Cancel to return to the wizard.");
-      continue;
-    }
-    bool duplicate = false;
-    for (int line = 0; line < PatchFiles.Count(); ++line) {
-      duplicate = duplicate || (line != skip && PatchFiles.Items()[static_cast<size_t>(line)] == name);
-    }
-    if (!duplicate) return name;
-    services_.dialogs->Message(
-        "You attempted to add a duplicate file.  Please select a different file or click Cancel to return to "
-        "the wizard.");
+    const char* refusal = Refusal(name, skip);
+    if (refusal == nullptr) return name;
+    // The package may name a patch that no test passes: then Cancel alone leads back.
+    if (cancelled) return {};
+    services_.dialogs->Message(refusal);
   }
   return {};
 }

@@ -26,9 +26,10 @@ class frmPatchFiles : public WizardPage, public PayloadPage {
   ui::Layout PageLayout() override;
 
  private:
-  std::string BrowsePatchFile(const std::string& current_path);
-  /// Asks for a patch until one passes; "" when the person gave up. `skip` is a line that does not count as a
-  /// duplicate.
+  std::string BrowsePatchFile(const std::string& current_path, bool& cancelled);
+  /// Why a name cannot be taken, or null. `skip` is a line that does not count as a duplicate.
+  const char* Refusal(const std::string& name, int skip) const;
+  /// Asks for a patch until one passes; "" when the person gave up.
   std::string AskForPatch(const std::string& current_path, int skip);
   void OnAdd();
   void OnEdit();

@@ -164,6 +164,22 @@ TEST_F(PatchFilesTest, ACancelledEditReplacesTheLineByItsUpperCasedSelf) {
   EXPECT_THAT(page().PatchFiles.Items(), ElementsAre("C:\\SOURCE\\FIX1.MSP"));
 }
 
+TEST_F(PatchFilesTest, ACancelledEditOfALineThatIsRefusedItselfChangesNothing) {
+  for (const char* name : {"Fix.exe", "Fix1.msp"})
+    machine.files.AddFile(std::string("C:\\Source\\") + name, "1");
+  Open("PatchFile0=Fix.exe\r\nPatchFile1=Fix1.msp\r\n");
+  Show<frmPatchFiles>("Patch Files");
+  Add({"C:\\Source\\Fix1.msp"});
+  page().PatchFiles.UserPick(0);
+  EXPECT_THAT(Edit({""}), ElementsAre(kDialog + "C:\\Source\\Fix.exe -> cancel"));
+  page().PatchFiles.UserPick(1);
+  EXPECT_THAT(Edit({"C:\\Source\\Fix1.msp", ""}),
+              ElementsAre(kDialog + "C:\\Source\\Fix1.msp -> C:\\Source\\Fix1.msp", kDuplicate,
+                          kDialog + "C:\\Source\\Fix1.msp -> cancel"));
+  EXPECT_THAT(page().PatchFiles.Items(),
+              ElementsAre("C:\\Source\\Fix.exe", "C:\\Source\\Fix1.msp", "C:\\SOURCE\\FIX1.MSP"));
+}
+
 TEST_F(PatchFilesTest, DeletingSelectsTheLineAboveAndForTheFirstTheOneBelow) {
   AddThree();
   machine.dialogs.answers = {Answer::kCancel};
