@@ -154,7 +154,13 @@ bool IsAscii(std::string_view text) {
 }  // namespace
 
 char32_t SystemUpper(char32_t c) {
-  return static_cast<char32_t>(towupper_l(static_cast<wint_t>(c), CaseLocale()));
+  constexpr wint_t kFinalSigma = 0x3C2;
+  const auto wide = static_cast<wint_t>(c);
+  const wint_t upper = towupper_l(wide, CaseLocale());
+  // A capital that is another letter's, as that of the micro sign, is not taken: it may be missing from the
+  // code page that has the letter.
+  const bool own = towlower_l(upper, CaseLocale()) == wide || wide == kFinalSigma;
+  return static_cast<char32_t>(own ? upper : wide);
 }
 
 char32_t SystemLower(char32_t c) {

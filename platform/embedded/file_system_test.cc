@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "base/text.h"
 #include "platform/embedded/temp_machine.h"
 #include "platform/testing/file_system_contract.h"
 
@@ -174,6 +175,15 @@ TEST_F(EmbeddedFileSystemTest, AFileWhoseSpellingCannotBeFoundIsNotTakenForAMiss
   EXPECT_EQ(made, kErrorIo);
   EXPECT_TRUE(files.GetFile("NAME").ok());
   EXPECT_EQ(files.GetFile("None").number(), kErrorFileNotFound);
+}
+
+TEST_F(EmbeddedFileSystemTest, ALetterWithoutACapitalOfItsOwnKeepsItsCase) {
+  EXPECT_EQ(ToUpper("\u00b5\u0131\u017f \u00e4\u00ff\u03c3\u03c2\u0436"),
+            "\u00b5\u0131\u017f \u00c4\u0178\u03a3\u03a3\u0416");
+  machine.Put("drive_c/Work/5 \u00b5.msp", "x");
+  machine.Put("drive_c/Work/\u0131.txt", "x");
+  EXPECT_TRUE(files.FileExists("5 \u00b5.MSP"));
+  EXPECT_FALSE(files.FileExists("I.TXT"));
 }
 
 TEST_F(EmbeddedFileSystemTest, ASeparatorBehindAFilesNameMakesABadName) {
