@@ -192,6 +192,22 @@ struct Change {
   const Value* value = nullptr;
 };
 
+// Rows are mostly changed in their order: what the change of the next one will ask of large indexes comes
+// from memory meanwhile.
+void ExpectNext(Core& core, const Table& table, const std::vector<Assignment>& values, Table::Row row) {
+  const Table::Row next = row + 1;
+  if (next >= table.row_end()) return;
+  for (const Assignment& assignment : values) {
+    if (!table.columns()[static_cast<size_t>(assignment.column)].is_text()) continue;
+    core.pool().ExpectById(table.Get(next, assignment.column));
+  }
+  for (const int column : table.key_columns()) {
+    if (table.columns()[static_cast<size_t>(column)].is_text())
+      core.pool().ExpectById(table.Get(next, column));
+  }
+  table.ExpectKey(next);
+}
+
 Result<std::vector<Change>> PrepareUpdate(Core& core, Table& table, const std::vector<Assignment>& values,
                                           const std::vector<Table::Row>& rows, Interned& interned) {
   bool all_temporary = true;
@@ -244,6 +260,7 @@ Status ReplaceTable(Core& core, const std::string& name, const std::vector<Colum
 Status UpdateRows(Core& core, Table& table, const std::vector<Assignment>& values,
                   const std::vector<Table::Row>& rows) {
   core.Prepare();
+  if (rows.size() == 1) ExpectNext(core, table, values, rows[0]);
   Interned interned(core);
   KW_ASSIGN_OR_RETURN(const std::vector<Change> changes, PrepareUpdate(core, table, values, rows, interned));
   // New streams are brought in first: that may fail.

@@ -226,6 +226,11 @@ void StringPool::Expect(std::string_view text) const {
   __builtin_prefetch(&index_[Hash(text) & (index_.size() - 1)]);
 }
 
+void StringPool::ExpectById(Id id) const {
+  if (index_.size() < kBeyondCache) return;
+  __builtin_prefetch(&index_[entries_[id].hash & (index_.size() - 1)]);
+}
+
 StringPool::Id StringPool::Canonical(Id id) const {
   Id first = id;
   return has_doubles_ && id != 0 && entries_[id].data != nullptr && Find(entries_[id].text(), &first) ? first

@@ -47,6 +47,8 @@ class StringPool {
   bool Find(std::string_view text, Id* id) const;
   /// Says that `text` will be looked for soon: memory begins to fetch its place in a large index.
   void Expect(std::string_view text) const;
+  /// The same of the text of `id`, which may be about to lose its last use.
+  void ExpectById(Id id) const;
   /// The id of `text`, which is added when it is new, with no uses counted yet. Fails with
   /// kErrorUnrepresentableText when the code page does not have all characters.
   Result<Id> Intern(std::string_view text);

@@ -94,6 +94,10 @@ void Table::IndexPlace(Row row, size_t hash) {
   ++index_used_;
 }
 
+void Table::ExpectKey(Row row) const {
+  if (!index_.empty()) __builtin_prefetch(&index_[HashRow(row) & (index_.size() - 1)]);
+}
+
 Table::Row Table::FindKey(std::span<const Cell> key) {
   if (index_.empty()) BuildIndex();
   size_t hash = 0;

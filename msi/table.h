@@ -91,6 +91,8 @@ class Table {
   void Resize(size_t rows);
   /// The row with this key (cells in the order of key_columns), or kNoRow.
   Row FindKey(std::span<const Cell> key);
+  /// Says that this row will be looked for by its key soon: memory begins to fetch its place in the index.
+  void ExpectKey(Row row) const;
   /// Throws the index away, after cells were changed from outside.
   void ForgetIndex() { index_.clear(); }
 
