@@ -47,7 +47,7 @@ void CreateConsolePackage(PageContext& context) {
   if (run.BulwarkIncluded) {
     const std::string folder = run.DestinationFolder + "\\BWK";
     if (!run.BulwarkFileList) run.BulwarkFileList = std::make_unique<FileList>();
-    run.BulwarkFileList->push_back("Bulwark.EXE");
+    run.BulwarkFileList->names.push_back("Bulwark.EXE");
     AddPrefixedFileNames(run.BulwarkFileList, combined, "BWK\\");
     WritePackageCatalog(context, {"BulwarkDet.TxS", "Bulwark.EXE", "", "BWK", folder, run.BulwarkLocale},
                         run.BulwarkFileList);

@@ -14,7 +14,7 @@ using ::testing::Not;
 struct ConsolePackageTest : ConsoleFixture, ::testing::Test {
   /// The alert server lies in the destination.
   void IncludeAlertServer() {
-    run.BeaconryFileList = std::make_unique<FileList>(FileList{"BCN470.MSI", "BCN470.OVP", "README.TXT"});
+    run.BeaconryFileList = std::make_unique<FileList>(FileList{{"BCN470.MSI", "BCN470.OVP", "README.TXT"}});
     run.BeaconryLocale = "0411";
     run.BeaconrySourceFolder = "C:\\Beaconry";
     machine.files.AddFile("C:\\Beaconry\\BCN470.OVP", "plug-in");
@@ -37,7 +37,7 @@ TEST_F(ConsolePackageTest, APlainPackageListsWhatWasCopied) {
   EXPECT_THAT(machine.files.Tree("C:\\Out"),
               ElementsAre("Install.pkg", "KT710Det.TxS", "PkgCatalog.z", "SETUP.EXE"));
   // The combined list takes the descriptor's name, the list of copied files does not.
-  EXPECT_THAT(*run.DestinationFileList, ElementsAre("KTE710.MSI", "SETUP.INI", "SETUP.EXE"));
+  EXPECT_THAT(run.DestinationFileList->names, ElementsAre("KTE710.MSI", "SETUP.INI", "SETUP.EXE"));
 }
 
 TEST_F(ConsolePackageTest, TheOlderLevelHasItsOwnTemplates) {
@@ -65,7 +65,7 @@ TEST_F(ConsolePackageTest, CompanionsHaveCataloguesOfTheirOwnAndStandInTheProduc
                                         "BCN\\BCN470.MSI", "BCN\\README.TXT", "BWK\\Bulwark.EXE"};
   EXPECT_EQ(Signed("C:\\Out"), Catalog("0409", all, "SETUP.EXE, /q"));
   EXPECT_EQ(Install("C:\\Out"), Descriptor("0409", "setup /Q", all));
-  EXPECT_THAT(*run.BulwarkFileList, ElementsAre("Bulwark.EXE", "INSTALL.PKG", "BULWARK80.OVP"));
+  EXPECT_THAT(run.BulwarkFileList->names, ElementsAre("Bulwark.EXE", "INSTALL.PKG", "BULWARK80.OVP"));
   EXPECT_EQ(machine.files.Content("C:\\Out\\BWK\\BULWARK80.OVP"), "script BWK\\BULWARK80.OVP");
   EXPECT_FALSE(machine.files.FileExists("C:\\Out\\BULWARK80.OVP"));
 }
@@ -92,14 +92,14 @@ TEST_F(ConsolePackageTest, AnOptimisedPackageListsItsOneFileAndHasThePlugInsBesi
   // Of an earlier run.
   machine.files.AddFile("C:\\Out\\BCN470.OVP", "old", true);
   machine.files.AddFile("C:\\Out\\BULWARK80.OVP", "old", true);
-  run.DestinationFileList = std::make_unique<FileList>(FileList{"SETUP.EXE"});
+  run.DestinationFileList = std::make_unique<FileList>(FileList{{"SETUP.EXE"}});
   CreateOptimizedConsolePackage(Context());
   EXPECT_EQ(Signed("C:\\Out"), Catalog("0409", {"SETUP.EXE"}, "SETUP.EXE, /q"));
   EXPECT_EQ(Install("C:\\Out"), Descriptor("0409", "setup /Q", {"SETUP.EXE"}));
   EXPECT_EQ(machine.files.Content("C:\\Out\\BCN470.OVP"), "plug-in");
   EXPECT_EQ(machine.files.Content("C:\\Out\\BULWARK80.OVP"), "script BWK\\BULWARK80.OVP");
   EXPECT_FALSE(machine.files.FileExists("C:\\Out\\BWK\\PkgCatalog.z"));
-  EXPECT_THAT(*run.DestinationFileList, ElementsAre("SETUP.EXE", "INSTALL.PKG"));
+  EXPECT_THAT(run.DestinationFileList->names, ElementsAre("SETUP.EXE", "INSTALL.PKG"));
 }
 
 TEST_F(ConsolePackageTest, AnOptimisedPackageWithoutCompanionsHasNoPlugIns) {
@@ -114,7 +114,7 @@ struct SettingsConsolePackageTest : ConsolePackageTest {
   SettingsConsolePackageTest() {
     run.PackageMode = false;
     run.ProductLocale = "0407";
-    run.DestinationFileList = std::make_unique<FileList>(FileList{"KTECFG.CAB"});
+    run.DestinationFileList = std::make_unique<FileList>(FileList{{"KTECFG.CAB"}});
   }
 };
 
@@ -127,7 +127,7 @@ TEST_F(SettingsConsolePackageTest, TheInstallScriptComesFirstAndThenTheCabinetsT
   EXPECT_EQ(machine.files.Content("C:\\Out\\ZEDInstall.txs"), "script ZED\\710\\ZEDInstall.txs");
   EXPECT_EQ(machine.files.Content("C:\\Out\\KT710Det.TxS"), "script KTE\\710\\KT710Det.TxS");
   EXPECT_FALSE(machine.files.FileExists("C:\\Out\\Install.pkg"));
-  EXPECT_THAT(*run.DestinationFileList, ElementsAre("KTECFG.CAB", "ZEDINSTALL.TXS"));
+  EXPECT_THAT(run.DestinationFileList->names, ElementsAre("KTECFG.CAB", "ZEDINSTALL.TXS"));
 }
 
 TEST_F(SettingsConsolePackageTest, TheOlderLevelAndANeutralLanguage) {

@@ -28,7 +28,7 @@ struct ConsoleFixture : OpenPackageFixture {
       machine.files.AddFile(catalog.substr(0, catalog.rfind('\\')) + "\\PkgCatalog.z",
                             "signed:" + machine.files.Content(catalog));
     });
-    run.DestinationFileList = std::make_unique<FileList>(FileList{"KTE710.MSI", "SETUP.INI", "SETUP.EXE"});
+    run.DestinationFileList = std::make_unique<FileList>(FileList{{"KTE710.MSI", "SETUP.INI", "SETUP.EXE"}});
     machine.files.AddFile("C:\\Out\\SETUP.EXE", "setup");
   }
   static std::string Template(const std::string& folder, const std::string& name) {

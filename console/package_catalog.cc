@@ -121,7 +121,7 @@ class Catalog {
     while (file_list_->HasChildNodes()) file_list_->RemoveFirstChild();
     if (context_.run.PackageMode) {
       if (!files_) return;
-      for (const std::string& name : *files_) {
+      for (const std::string& name : files_->names) {
         if (!EndsWithAny(name, {".ovp", ".pkg"})) AddFile(name);
       }
       return;
@@ -195,7 +195,7 @@ void WriteInstallDescriptor(PageContext& context, FileListPtr& files, const std:
   write("Install", "Command", command);
   write("Files", std::nullopt, std::nullopt);
   int number = 0;
-  for (const std::string& name : *files) {
+  for (const std::string& name : files->names) {
     if (EndsWithAny(name, {".ovp", ".txs", ".pkg"})) continue;
     // A name that the system's code page cannot hold leaves no gap either.
     if (write("Files", "File" + std::to_string(number), name)) ++number;
@@ -205,7 +205,7 @@ void WriteInstallDescriptor(PageContext& context, FileListPtr& files, const std:
 void AddPrefixedFileNames(const FileListPtr& source, FileListPtr& target, const std::string& prefix) {
   if (!source) return;
   if (!target) target = std::make_unique<FileList>();
-  for (const std::string& name : *source) target->push_back(prefix + name);
+  for (const std::string& name : source->names) target->names.push_back(prefix + name);
 }
 
 }  // namespace kw

@@ -36,7 +36,7 @@ struct PackageCatalogTest : ConsoleFixture, ::testing::Test {
     machine.files.AddFile(Template("KTE\\710", "PkgCatalog.XML"), xml);
   }
   CatalogRequest request = {"KT710Det.TxS", "SETUP.EXE", ", /q", "KTE\\710", "C:\\Out", "0407"};
-  FileListPtr files = std::make_unique<FileList>(FileList{"KTE710.MSI", "SETUP.EXE"});
+  FileListPtr files = std::make_unique<FileList>(FileList{{"KTE710.MSI", "SETUP.EXE"}});
 };
 
 TEST_F(PackageCatalogTest, TheTemplatesVariablePartsAreFilledAndAllElsePassesThrough) {
@@ -44,7 +44,7 @@ TEST_F(PackageCatalogTest, TheTemplatesVariablePartsAreFilledAndAllElsePassesThr
   EXPECT_EQ(Signed("C:\\Out"), Catalog("0407", {"KTE710.MSI", "SETUP.EXE"}, "SETUP.EXE, /q"));
   EXPECT_EQ(machine.files.Content("C:\\Out\\KT710Det.TxS"), "script KTE\\710\\KT710Det.TxS");
   EXPECT_FALSE(machine.files.FileExists("C:\\Out\\PkgCatalog.XML"));
-  EXPECT_THAT(*files, ElementsAre("KTE710.MSI", "SETUP.EXE"));
+  EXPECT_THAT(files->names, ElementsAre("KTE710.MSI", "SETUP.EXE"));
 }
 
 TEST_F(PackageCatalogTest, TheSigningToolRunsHiddenInTheProgramsFolder) {
@@ -110,8 +110,8 @@ TEST_F(PackageCatalogTest, OnlyTheFirstElementOfANameIsFilled) {
 }
 
 TEST_F(PackageCatalogTest, PlugInsAndDescriptorsAreLeftOutByTheirEndAndScriptsStay) {
-  files = std::make_unique<FileList>(FileList{"A.OVP", "b.Ovp", "INSTALL.PKG", "INSTALL.PKG.TXT", "x.ovp.y",
-                                              "DETECT.TXS", "BCN\\INSTALL.pkg", "two.pkg.pkg", "R&D <1>"});
+  files = std::make_unique<FileList>(FileList{{"A.OVP", "b.Ovp", "INSTALL.PKG", "INSTALL.PKG.TXT", "x.ovp.y",
+                                               "DETECT.TXS", "BCN\\INSTALL.pkg", "two.pkg.pkg", "R&D <1>"}});
   Write();
   EXPECT_EQ(
       Signed("C:\\Out"),
@@ -119,7 +119,7 @@ TEST_F(PackageCatalogTest, PlugInsAndDescriptorsAreLeftOutByTheirEndAndScriptsSt
 }
 
 TEST_F(PackageCatalogTest, AnEmptyOrAbsentListGivesAnEmptyFileList) {
-  files->clear();
+  files->names.clear();
   Write();
   EXPECT_EQ(Signed("C:\\Out"), Catalog("0407", {}, "SETUP.EXE, /q"));
   files.reset();
@@ -156,7 +156,7 @@ TEST_F(PackageCatalogTest, AnInstallFileOfTheTemplateFolderIsCopiedAndListed) {
   machine.files.AddFile(Template("KTE\\710", "SETUP.EXE"), "setup of the template");
   Write();
   EXPECT_EQ(machine.files.Content("C:\\Out\\SETUP.EXE"), "setup of the template");
-  EXPECT_THAT(*files, ElementsAre("KTE710.MSI", "SETUP.EXE", "SETUP.EXE"));
+  EXPECT_THAT(files->names, ElementsAre("KTE710.MSI", "SETUP.EXE", "SETUP.EXE"));
 }
 
 TEST_F(PackageCatalogTest, ASigningThatFailsLeavesNeitherAnOldCatalogueNorThePlainOne) {
@@ -205,25 +205,25 @@ struct InstallDescriptorTest : ConsoleFixture, ::testing::Test {
     return Take();
   }
   std::string Written() { return machine.files.Content("C:\\Out\\Install.pkg"); }
-  FileListPtr files = std::make_unique<FileList>(FileList{"KTE710.MSI", "SETUP.EXE"});
+  FileListPtr files = std::make_unique<FileList>(FileList{{"KTE710.MSI", "SETUP.EXE"}});
 };
 
 TEST_F(InstallDescriptorTest, OtherSectionsCommentsAndBlankLinesStay) {
   EXPECT_THAT(Write(), IsEmpty());
   EXPECT_EQ(Written(), Descriptor("0407", "setup /Q", {"KTE710.MSI", "SETUP.EXE"}));
   EXPECT_FALSE(machine.files.IsReadOnly("C:\\Out\\Install.pkg"));
-  EXPECT_THAT(*files, ElementsAre("KTE710.MSI", "SETUP.EXE", "INSTALL.PKG"));
+  EXPECT_THAT(files->names, ElementsAre("KTE710.MSI", "SETUP.EXE", "INSTALL.PKG"));
 }
 
 TEST_F(InstallDescriptorTest, LeftOutFilesLeaveNoGapsInTheNumbers) {
   files = std::make_unique<FileList>(
-      FileList{"A.OVP", "ONE.EXE", "detect.TxS", "INSTALL.PKG", "TWO.PKG.TXT", "BCN\\THREE.msi"});
+      FileList{{"A.OVP", "ONE.EXE", "detect.TxS", "INSTALL.PKG", "TWO.PKG.TXT", "BCN\\THREE.msi"}});
   Write();
   EXPECT_EQ(Written(), Descriptor("0407", "setup /Q", {"ONE.EXE", "TWO.PKG.TXT", "BCN\\THREE.msi"}));
 }
 
 TEST_F(InstallDescriptorTest, ANameThatTheCodePageCannotHoldLeavesNoGapEither) {
-  files = std::make_unique<FileList>(FileList{"ONE.EXE", "\u4e2d.TXT", "TWO.EXE"});
+  files = std::make_unique<FileList>(FileList{{"ONE.EXE", "\u4e2d.TXT", "TWO.EXE"}});
   EXPECT_THAT(Write(), IsEmpty());
   EXPECT_EQ(Written(), Descriptor("0407", "setup /Q", {"ONE.EXE", "TWO.EXE"}));
 }
@@ -232,7 +232,7 @@ TEST_F(InstallDescriptorTest, WithoutFilesNoEntryOfTheTemplateSurvives) {
   files.reset();
   Write("Bulwark.EXE", "0000");
   EXPECT_EQ(Written(), Descriptor("0000", "Bulwark.EXE", {}));
-  EXPECT_THAT(*files, ElementsAre("INSTALL.PKG"));
+  EXPECT_THAT(files->names, ElementsAre("INSTALL.PKG"));
 }
 
 TEST_F(InstallDescriptorTest, ATemplateThatCannotBeCopiedIsToldAfterItsQuestion) {
@@ -243,7 +243,7 @@ TEST_F(InstallDescriptorTest, ATemplateThatCannotBeCopiedIsToldAfterItsQuestion)
   EXPECT_EQ(lines.back(),
             "message Could not copy INSTALL.PKG template file.  You will be unable to add this "
             "installation package to the Stratocon repository.");
-  EXPECT_THAT(*files, ElementsAre("KTE710.MSI", "SETUP.EXE"));
+  EXPECT_THAT(files->names, ElementsAre("KTE710.MSI", "SETUP.EXE"));
 }
 
 TEST_F(InstallDescriptorTest, AMissingTemplateIsToldToo) {
@@ -259,12 +259,12 @@ TEST_F(InstallDescriptorTest, AValueThatCannotBeWrittenIsPassedOver) {
 }
 
 TEST(PrefixedFileNames, NamesAreAppendedInTheirOrderBehindThePrefix) {
-  const FileListPtr source = std::make_unique<FileList>(FileList{"B", "A", "B"});
+  const FileListPtr source = std::make_unique<FileList>(FileList{{"B", "A", "B"}});
   FileListPtr target;
   AddPrefixedFileNames(source, target, "");
   AddPrefixedFileNames(source, target, "BCN\\");
   AddPrefixedFileNames(nullptr, target, "BWK\\");
-  EXPECT_THAT(*target, ElementsAre("B", "A", "B", "BCN\\B", "BCN\\A", "BCN\\B"));
+  EXPECT_THAT(target->names, ElementsAre("B", "A", "B", "BCN\\B", "BCN\\A", "BCN\\B"));
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ bool IsEmptyFolder(platform::Services& services, const std::string& folder) {
 
 void DeleteListed(platform::Services& services, const FileListPtr& list, const std::string& folder) {
   if (!list) return;
-  for (const std::string& name : *list) {
+  for (const std::string& name : list->names) {
     if (!list->kept.contains(name)) services.files->DeleteFile(folder + "\\" + name, true).IgnoreError();
   }
 }

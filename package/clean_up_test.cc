@@ -19,7 +19,9 @@ constexpr const char* kCouldNotRemove =
     "message Could not remove temporary files or folders. This may be because you have the files or folders "
     "open in another program.";
 
-FileListPtr List(FileList names) { return std::make_unique<FileList>(std::move(names)); }
+FileListPtr List(std::vector<std::string> names) {
+  return std::make_unique<FileList>(FileList{std::move(names)});
+}
 
 struct CleanUpTest : ::testing::Test {
   void OpenRun() {
@@ -146,7 +148,7 @@ TEST_F(UndoDestinationTest, KeepsACompanionFolderThatHoldsSomethingElse) {
 TEST_F(UndoDestinationTest, KeepsWhatLayThereToBePacked) {
   run.DestinationInUse = true;
   machine.files.AddFile("C:\\Out\\hotfix.msp", "x");
-  run.DestinationFileList->push_back("HOTFIX.MSP");
+  run.DestinationFileList->names.push_back("HOTFIX.MSP");
   run.DestinationFileList->kept.insert("Hotfix.msp");
   UndoDestination(machine.services, run);
   EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("hotfix.msp"));

@@ -70,7 +70,7 @@ bool CopyFileToFolder(platform::Services& services, const std::string& path, con
       return false;
   }
   MakeWritable(services, target).IgnoreError();
-  list->push_back(ToUpper(name));
+  list->names.push_back(ToUpper(name));
   if (IsSameFile(services, path, target)) list->kept.insert(name);
   return true;
 }

@@ -148,7 +148,7 @@ TEST_F(FileCopyTest, CopiesAndNotesTheNameInUpperCase) {
   EXPECT_TRUE(Copy());
   EXPECT_EQ(machine.files.Content("C:\\To\\a file.txt"), "new");
   ASSERT_TRUE(list);
-  EXPECT_THAT(*list, ElementsAre("A FILE.TXT"));
+  EXPECT_THAT(list->names, ElementsAre("A FILE.TXT"));
 }
 
 TEST_F(FileCopyTest, AReadOnlySourceLeavesAWritableTarget) {
@@ -166,7 +166,7 @@ TEST_F(FileCopyTest, AReadOnlyTargetIsReplaced) {
 
 TEST_F(FileCopyTest, AFileThatLiesInTheFolderAlreadyIsListedAndNotTheRunsToDelete) {
   EXPECT_TRUE(CopyFileToFolder(machine.services, "C:\\from\\.\\A File.txt", "C:\\From", list));
-  EXPECT_THAT(*list, ElementsAre("A FILE.TXT"));
+  EXPECT_THAT(list->names, ElementsAre("A FILE.TXT"));
   EXPECT_TRUE(list->kept.contains("a file.txt"));
   EXPECT_EQ(machine.files.Content("C:\\From\\a file.txt"), "new");
   EXPECT_TRUE(Copy());
@@ -182,7 +182,7 @@ TEST_F(FileCopyTest, AMissingSourceIsAskedForUntilItIsThere) {
   EXPECT_THAT(machine.transcript.Take(),
               ElementsAre(std::string(question) + "Retry", std::string(question) + "Cancel"));
   ASSERT_TRUE(list);
-  EXPECT_THAT(*list, IsEmpty());
+  EXPECT_THAT(list->names, IsEmpty());
 }
 
 TEST_F(FileCopyTest, AFailedCopyIsTriedAgainOnRetry) {
@@ -193,14 +193,14 @@ TEST_F(FileCopyTest, AFailedCopyIsTriedAgainOnRetry) {
               ElementsAre("question Could not copy file to C:\\To\\a file.txt.  Please verify that the file "
                           "does not already exist, that the folder is writable and that the drive is not "
                           "full. [Retry|Cancel] default=Retry -> Retry"));
-  EXPECT_THAT(*list, ElementsAre("A FILE.TXT"));
+  EXPECT_THAT(list->names, ElementsAre("A FILE.TXT"));
 }
 
 TEST_F(FileCopyTest, AFailedCopyIsGivenUpOnCancel) {
   machine.files.ProtectFolder("C:\\To");
   machine.dialogs.answers = {platform::Answer::kCancel};
   EXPECT_FALSE(Copy());
-  EXPECT_THAT(*list, IsEmpty());
+  EXPECT_THAT(list->names, IsEmpty());
 }
 
 TEST(MakeFolderPathTest, CreatesEveryFolderOnTheWay) {

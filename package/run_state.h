@@ -12,10 +12,10 @@
 namespace kw {
 
 /// Names of files, in order, duplicates allowed; absent until the first name is added.
-struct FileList : std::vector<std::string> {
-  using std::vector<std::string>::vector;
+struct FileList {
+  std::vector<std::string> names;
   /// Those of them that lay in their folder as something to be packed, and are not the run's to delete.
-  std::set<std::string, LessNoCase> kept;
+  std::set<std::string, LessNoCase> kept{};
 };
 using FileListPtr = std::unique_ptr<FileList>;
 

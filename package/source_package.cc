@@ -162,12 +162,14 @@ Status ExtractCabinets(platform::Services& services, RunState& run, ui::FormHost
 }
 
 void BuildConsolePackageFileList(RunState& run) {
-  run.ConsolePackageFiles = std::make_unique<FileList>(
-      FileList{"CUP300.OVP", "CONTACT.TXT", "EXAMPLE.SMS", "Install.pkg", "PkgCatalog.z"});
-  const FileList level = run.PackageIs700 ? FileList{"KT700DET.TXS", "KTE700.OVP"}
-                                          : FileList{"SIGTERMS.TXT", "README.TXT", "KT710DET.TXS",
-                                                     "KTE710.OVP",   "TXVCHK.SCV", "PACKING.LST"};
-  run.ConsolePackageFiles->insert(run.ConsolePackageFiles->end(), level.begin(), level.end());
+  std::vector<std::string> names = {"CUP300.OVP", "CONTACT.TXT", "EXAMPLE.SMS", "Install.pkg",
+                                    "PkgCatalog.z"};
+  const std::vector<std::string> level =
+      run.PackageIs700 ? std::vector<std::string>{"KT700DET.TXS", "KTE700.OVP"}
+                       : std::vector<std::string>{"SIGTERMS.TXT", "README.TXT", "KT710DET.TXS",
+                                                  "KTE710.OVP",   "TXVCHK.SCV", "PACKING.LST"};
+  names.insert(names.end(), level.begin(), level.end());
+  run.ConsolePackageFiles = std::make_unique<FileList>(FileList{std::move(names)});
 }
 
 }  // namespace kw

@@ -306,7 +306,7 @@ bool frmBeaconryServer::CopyNestedFiles() {
   for (const platform::FileEntry& entry : *entries) {
     if (entry.is_folder || StartsWithNoCase(entry.name, "PkgCatalog.z")) continue;
     bool copied = false;
-    for (const std::string& name : *run_.BeaconryFileList)
+    for (const std::string& name : run_.BeaconryFileList->names)
       copied = copied || StartsWithNoCase(name, entry.name);
     if (copied) continue;
     // A copy that was given up ends the listing, and the step stands.

@@ -364,7 +364,7 @@ TEST_F(BeaconryServerTest, SavingWritesBothPackagesAndCopiesTheFolderButForItsCa
   // "BCN" is skipped too, since a copied file's name begins so; what lies in folders stays behind.
   EXPECT_THAT(machine.files.Tree("C:\\Out"),
               ElementsAre("BCN\\BCN470.msi", "BCN\\BCN470.OVP", "BCN\\Readme.txt"));
-  EXPECT_THAT(*run.BeaconryFileList, ElementsAre("BCN470.MSI", "BCN470.OVP", "README.TXT"));
+  EXPECT_THAT(run.BeaconryFileList->names, ElementsAre("BCN470.MSI", "BCN470.OVP", "README.TXT"));
   EXPECT_FALSE(run.DestinationFileList);
   run.BeaconryDatabase.reset();
   EXPECT_EQ(SavedProperty("INSTALLDIR"), "D:\\Alerts");
@@ -392,7 +392,7 @@ TEST_F(BeaconryServerTest, APackageThatLiesInTheDestinationAlreadyIsNotTheRunsTo
   page().BeaconryUserName.UserType("alerts");
   Next();
   ASSERT_TRUE(page().SaveConfig());
-  EXPECT_THAT(*run.BeaconryFileList, ElementsAre("BCN470.MSI", "README.TXT"));
+  EXPECT_THAT(run.BeaconryFileList->names, ElementsAre("BCN470.MSI", "README.TXT"));
   EXPECT_THAT(run.BeaconryFileList->kept, ElementsAre("BCN470.msi", "Readme.txt"));
   run.BeaconryDatabase.reset();
   EXPECT_EQ(SavedProperty("BEACONRYUSERNAME"), "alerts");

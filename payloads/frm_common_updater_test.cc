@@ -437,7 +437,7 @@ TEST_F(CommonUpdaterTest, TheOlderLevelsListLiesBesideTheDatabase) {
   Open();
   ASSERT_TRUE(page().SaveConfig());
   EXPECT_EQ(machine.files.Content("C:\\Out\\SiteList.xml"), kPackageList);
-  EXPECT_THAT(*run.DestinationFileList, ElementsAre("SITELIST.XML"));
+  EXPECT_THAT(run.DestinationFileList->names, ElementsAre("SITELIST.XML"));
   EXPECT_THAT(Rows("select `Name` from `Binary`"), IsEmpty());
 }
 

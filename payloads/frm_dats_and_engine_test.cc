@@ -519,8 +519,9 @@ TEST_F(DatsAndEngineTest, FilesOfTheOlderLevelLieBesideTheDatabaseAndAreListed) 
   Choose("C:\\Payloads\\dat.zip", "");
   Next();
   ASSERT_TRUE(page().SaveConfig());
-  EXPECT_THAT(*run.DestinationFileList, ElementsAre("SIGTERMS.TXT", "ENGINE.DAT", "TEXTS.DAT", "TXENG32.DLL",
-                                                    "REPAIR.DAT", "LABELS.DAT", "SIGS.DAT"));
+  EXPECT_THAT(run.DestinationFileList->names,
+              ElementsAre("SIGTERMS.TXT", "ENGINE.DAT", "TEXTS.DAT", "TXENG32.DLL", "REPAIR.DAT",
+                          "LABELS.DAT", "SIGS.DAT"));
   EXPECT_EQ(Out("SIGS.DAT"), "new SIGS.DAT");
   EXPECT_EQ(Out("ENGINE.DAT"), "old ENGINE.DAT");
   EXPECT_EQ(machine.files.Content(run.WorkingSetupIniPath),

@@ -209,7 +209,7 @@ TEST_F(PatchFilesTest, SavingNumbersTheListWithoutGaps) {
   ASSERT_TRUE(page().SaveConfig());
   EXPECT_EQ(SetupIni(), "[Startup]\r\nPatchFile0=TWO.MSP\r\nPatchFile1=THREE.MSP\r\n");
   EXPECT_THAT(machine.files.Tree("C:\\Out"), ElementsAre("THREE.MSP", "TWO.MSP"));
-  EXPECT_THAT(*run.DestinationFileList, ElementsAre("TWO.MSP", "THREE.MSP"));
+  EXPECT_THAT(run.DestinationFileList->names, ElementsAre("TWO.MSP", "THREE.MSP"));
 }
 
 TEST_F(PatchFilesTest, OfTwoPatchesOfOneNameTheLaterLiesInTheDestination) {

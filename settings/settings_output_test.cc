@@ -104,7 +104,7 @@ TEST_F(SettingsOutputTest, TheWholeConfigurationIsFlushedInOrderAndDelivered) {
   EXPECT_EQ(machine.files.Content(Folder("KTE700.CFG")), "enciphered:exported");
   EXPECT_EQ(machine.files.Content("C:\\Out\\KTECFG.CAB"), "cabinet");
   ASSERT_NE(run.DestinationFileList, nullptr);
-  EXPECT_THAT(*run.DestinationFileList, ElementsAre("KTECFG.CAB"));
+  EXPECT_THAT(run.DestinationFileList->names, ElementsAre("KTECFG.CAB"));
 }
 
 TEST_F(SettingsOutputTest, AFileSourceFlushesNothing) {

@@ -22,7 +22,7 @@ bool CallStep(const std::function<bool()>& operation) { return !operation || ope
 
 bool BeginsWithAny(const std::string& name, const FileListPtr& list) {
   if (!list) return false;
-  for (const std::string& entry : *list) {
+  for (const std::string& entry : list->names) {
     if (StartsWithNoCase(name, entry)) return true;
   }
   return false;
@@ -186,7 +186,7 @@ class Build {
   void CopyConsoleFiles() {
     status_.ShowText("Please wait while files are copied.", page_);
     if (run_.ConsolePackageFiles) {
-      for (const std::string& name : *run_.ConsolePackageFiles) {
+      for (const std::string& name : run_.ConsolePackageFiles->names) {
         // These three kinds are written anew for the console.
         if (EndsWithNoCase(name, ".z") || EndsWithNoCase(name, ".txs") || EndsWithNoCase(name, ".pkg"))
           continue;

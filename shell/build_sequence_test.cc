@@ -182,7 +182,7 @@ TEST_F(BuildTest, WhatAPayloadCopiedIsTakenBackAfterALaterFailure) {
   OpenAndReview();
   steps.on_step = [this](const std::string& step) {
     if (step != "frmPatchFiles") return;
-    run.DestinationFileList = std::make_unique<FileList>(FileList{"HOTFIX1.MSP"});
+    run.DestinationFileList = std::make_unique<FileList>(FileList{{"HOTFIX1.MSP"}});
     machine.files.AddFile("C:\\Out\\HOTFIX1.MSP", "x");
   };
   steps.failing = {"frmCommonUpdater"};
@@ -277,7 +277,7 @@ TEST_F(BuildTest, FilesThatAPayloadCopiedAreNotCopiedAgainNorWhatBeginsLikeThem)
   OpenAndReview();
   steps.on_step = [this](const std::string& step) {
     if (step != "frmPatchFiles") return;
-    run.DestinationFileList = std::make_unique<FileList>(FileList{"HOTFIX1.MSP"});
+    run.DestinationFileList = std::make_unique<FileList>(FileList{{"HOTFIX1.MSP"}});
     machine.files.AddFile("C:\\Out\\HOTFIX1.MSP", "new");
   };
   Save();

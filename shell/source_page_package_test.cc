@@ -79,13 +79,14 @@ TEST_F(SourcePagePackage, EveryFileNameIsInLowerCaseAfterwards) {
 TEST_F(SourcePagePackage, TheConsolesSideFilesAreListedByLevel) {
   Next();
   EXPECT_THAT(
-      *run.ConsolePackageFiles,
+      run.ConsolePackageFiles->names,
       ElementsAre("CUP300.OVP", "CONTACT.TXT", "EXAMPLE.SMS", "Install.pkg", "PkgCatalog.z", "SIGTERMS.TXT",
                   "README.TXT", "KT710DET.TXS", "KTE710.OVP", "TXVCHK.SCV", "PACKING.LST"));
   run.PackageIs700 = true;
   BuildConsolePackageFileList(run);
-  EXPECT_THAT(*run.ConsolePackageFiles, ElementsAre("CUP300.OVP", "CONTACT.TXT", "EXAMPLE.SMS", "Install.pkg",
-                                                    "PkgCatalog.z", "KT700DET.TXS", "KTE700.OVP"));
+  EXPECT_THAT(run.ConsolePackageFiles->names,
+              ElementsAre("CUP300.OVP", "CONTACT.TXT", "EXAMPLE.SMS", "Install.pkg", "PkgCatalog.z",
+                          "KT700DET.TXS", "KTE700.OVP"));
 }
 
 TEST_F(SourcePagePackage, AReadOnlySourceGivesWritableCopiesAndStaysAsItIs) {
