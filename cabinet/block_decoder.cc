@@ -21,12 +21,20 @@ constexpr size_t kHistory = kBlockSize;
 enum class BlockState { kWaiting, kDone, kNeedsHistory, kBadChecksum, kBadData };
 
 struct Block {
-  const std::byte* record = nullptr;   // checksum and sizes
-  std::span<const std::byte> checked;  // sizes and what is reserved
+  std::span<const std::byte> record;  // checksum, sizes and what is reserved
   std::span<const std::byte> data;
   size_t out_offset = 0;
   size_t out_size = 0;
+  bool may_look_back = true;
   BlockState state = BlockState::kWaiting;
+
+  // Some writers leave what is reserved out of the checksum.
+  bool MatchesItsChecksum() const {
+    const uint32_t told = GetU32(record.data());
+    if (told == 0) return true;
+    const uint32_t sum = Checksum(data, 0);
+    return told == Checksum(record.subspan(4), sum) || told == Checksum(record.subspan(4, 4), sum);
+  }
 };
 
 // Some consecutive blocks of a folder. `content` is the history that they may refer to, and then what they
@@ -138,11 +146,12 @@ class Decoder {
       }
       if (batch.packed_size - at < record_size_ + packed) break;
       Block& block = batch.blocks.emplace_back();
-      block.record = record;
-      block.checked = {record + 4, record_size_ - 4};
+      block.record = {record, record_size_};
       block.data = {record + record_size_, packed};
       block.out_offset = batch.content_size;
       block.out_size = unpacked;
+      block.may_look_back = !short_block_read_;
+      short_block_read_ |= unpacked < kBlockSize;
       batch.content_size += unpacked;
       at += record_size_ + packed;
       ++blocks_read_;
@@ -155,8 +164,7 @@ class Decoder {
     batch.needed_history = 0;
     bool looks_outside = batch.content_size < kHistory;  // a short batch hands on bytes of the one before
     for (Block& block : batch.blocks) {
-      const uint32_t told = GetU32(block.record);
-      if (told != 0 && told != Checksum(block.checked, Checksum(block.data, 0))) {
+      if (!block.MatchesItsChecksum()) {
         block.state = BlockState::kBadChecksum;
       } else if (!mszip_) {
         std::copy(block.data.begin(), block.data.end(), batch.OutOf(block).begin());
@@ -185,10 +193,13 @@ class Decoder {
       return;
     }
     // A batch whose first block stands alone need not wait for the one before.
-    const bool worth_a_try = batch.try_alone || &block == &batch.blocks.front();
-    block.state = worth_a_try && batch.inflater.InflateAlone(block.data.subspan(2), batch.OutOf(block))
-                      ? BlockState::kDone
-                      : BlockState::kNeedsHistory;
+    const bool worth_a_try = batch.try_alone || &block == &batch.blocks.front() || !block.may_look_back;
+    if (worth_a_try && batch.inflater.InflateAlone(block.data.subspan(2), batch.OutOf(block))) {
+      block.state = BlockState::kDone;
+    } else {
+      // Behind a block that is not full readers differ in what lies how far back.
+      block.state = block.may_look_back ? BlockState::kNeedsHistory : BlockState::kBadData;
+    }
   }
 
   void FetchHistory(Batch& batch, const Batch* before) {
@@ -221,6 +232,7 @@ class Decoder {
   const size_t room_;         // blocks in a batch
   const size_t packed_room_;  // bytes of them, packed, at most
   size_t blocks_read_ = 0;
+  bool short_block_read_ = false;
   std::vector<std::byte> carry_;  // read already, but behind the last whole block
   Status read_outcome_;
   bool expect_history_ = false;

@@ -21,6 +21,18 @@ struct HandMade {
   std::vector<File> files;
   std::vector<std::pair<uint16_t, std::vector<std::pair<std::string, uint16_t>>>> folders;  // type, blocks
   uint16_t flags = 0;
+  std::string block_reserve;       // in each block; with it the blocks have checksums
+  bool sums_cover_reserve = true;  // else they leave it out
+
+  std::string SumOf(const std::string& sizes, const std::string& packed) const {
+    if (block_reserve.empty()) return std::string(4, '\0');
+    const std::string covered = sums_cover_reserve ? sizes + block_reserve : sizes;
+    const uint32_t sum =
+        Checksum(std::as_bytes(std::span(covered)), Checksum(std::as_bytes(std::span(packed)), 0));
+    std::string bytes(4, '\0');
+    PutU32(reinterpret_cast<std::byte*>(bytes.data()), sum);
+    return bytes;
+  }
 
   std::string Bytes() const {
     std::string head, records, data;
@@ -30,33 +42,38 @@ struct HandMade {
       records += u32(file.size) + u32(file.offset) + u16(file.folder) + u16(0x21) + u16(0) + u16(0x20) +
                  file.name + '\0';
     }
-    const size_t head_size = kHeaderSize + folders.size() * kFolderRecordSize;
+    std::string reserve_fields;
+    if (!block_reserve.empty())
+      reserve_fields = u16(0) + u16(static_cast<uint32_t>(block_reserve.size() << 8));
+    const size_t head_size = kHeaderSize + reserve_fields.size() + folders.size() * kFolderRecordSize;
     std::string folder_records;
     for (const auto& [type, blocks] : folders) {
       folder_records += u32(static_cast<uint32_t>(head_size + records.size() + data.size())) +
                         u16(static_cast<uint32_t>(blocks.size())) + u16(type);
       for (const auto& [packed, size] : blocks) {
-        data += u32(0) + u16(static_cast<uint32_t>(packed.size())) + u16(size) + packed;
+        const std::string sizes = u16(static_cast<uint32_t>(packed.size())) + u16(size);
+        data += SumOf(sizes, packed) + sizes + block_reserve + packed;
       }
     }
     head = "MSCF" + u32(0) + u32(static_cast<uint32_t>(head_size + records.size() + data.size())) + u32(0) +
            u32(static_cast<uint32_t>(head_size)) + u32(0) + "\x03\x01" +
            u16(static_cast<uint32_t>(folders.size())) + u16(static_cast<uint32_t>(files.size())) +
-           u16(flags) + u32(0);
-    return head + folder_records + records + data;
+           u16(flags | (reserve_fields.empty() ? 0u : kFlagReserve)) + u32(0);
+    return head + reserve_fields + folder_records + records + data;
   }
 };
 
 // MSZIP blocks that refer to the ones before them, as the system's own cabinet maker writes them.
-std::vector<std::pair<std::string, uint16_t>> BlocksWithHistory(const std::string& content) {
+std::vector<std::pair<std::string, uint16_t>> BlocksWithHistory(const std::string& content,
+                                                                size_t block_size = kBlockSize) {
   std::vector<std::pair<std::string, uint16_t>> blocks;
-  for (size_t pos = 0; pos < content.size(); pos += kBlockSize) {
-    const std::string block = content.substr(pos, kBlockSize);
+  for (size_t pos = 0; pos < content.size(); pos += block_size) {
+    const std::string block = content.substr(pos, block_size);
     z_stream stream{};
     deflateInit2(&stream, 9, Z_DEFLATED, -15, 9, Z_DEFAULT_STRATEGY);
     if (pos > 0) {
-      deflateSetDictionary(&stream, reinterpret_cast<const Bytef*>(content.data() + pos - kBlockSize),
-                           kBlockSize);
+      deflateSetDictionary(&stream, reinterpret_cast<const Bytef*>(content.data() + pos - block_size),
+                           static_cast<uInt>(block_size));
     }
     std::string packed(kMaxCompressedBlock, '\0');
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(block.data()));
@@ -94,6 +111,57 @@ TEST_F(CabinetReaderTest, BlocksThatReferToEarlierOnesAreUnpackedWithAnyNumberOf
     EXPECT_EQ(sink.content["a"], content.substr(0, 100000));
     EXPECT_EQ(sink.content["b"], content.substr(100000));
   }
+}
+
+// Where the bytes before such a block lie, readers do not agree, so that any content could be the wrong one.
+TEST_F(CabinetReaderTest, NoBlockMayReferToTheOnesBeforeBehindOneThatIsNotFull) {
+  const std::string content = Prose(5000);
+  HandMade made;
+  made.folders = {{kMszip, BlocksWithHistory(content + content.substr(0, 4000), 5000)}};
+  made.files = {{"first", 5000, 0}, {"second", 4000, 5000}};
+  Make("t.cab", made.Bytes());
+  for (const unsigned threads : {1u, 2u}) {
+    MemorySink sink;
+    const Status status = Unpack("t.cab", sink, threads);
+    EXPECT_THAT(status.message(), HasSubstr("data block 2 is damaged"));
+    EXPECT_EQ(sink.content, (std::map<std::string, std::string>{{"first", content}}));
+  }
+}
+
+TEST_F(CabinetReaderTest, BlocksThatAreNotFullButStandAloneAreUnpacked) {
+  const std::string content = Prose(5000);
+  HandMade made;
+  made.folders = {{kMszip, {}}};
+  for (int i = 0; i < 40; ++i) made.folders[0].second.push_back(BlocksWithHistory(content, 5000)[0]);
+  made.files = {{"a", 200000, 0}};
+  Make("t.cab", made.Bytes());
+  MemorySink sink;
+  ASSERT_TRUE(Unpack("t.cab", sink).ok());
+  std::string whole;
+  for (int i = 0; i < 40; ++i) whole += content;
+  EXPECT_EQ(sink.content["a"], whole);
+}
+
+TEST_F(CabinetReaderTest, AChecksumMayCoverWhatABlockReservesOrNot) {
+  HandMade made;
+  made.folders = {{kMszip, BlocksWithHistory(Prose(50000))}, {kStored, {{"abcde", 5}}}};
+  made.files = {{"a", 50000, 0, 0}, {"b", 5, 0, 1}};
+  made.block_reserve = "signed";
+  for (const bool covered : {true, false}) {
+    made.sums_cover_reserve = covered;
+    Make("t.cab", made.Bytes());
+    MemorySink sink;
+    const Status status = Unpack("t.cab", sink);
+    ASSERT_TRUE(status.ok()) << status.message();
+    EXPECT_EQ(sink.content["a"], Prose(50000));
+    EXPECT_EQ(sink.content["b"], "abcde");
+  }
+  made.folders[1].second[0].first = "abcdX";
+  std::string bytes = made.Bytes();
+  bytes[bytes.size() - 1] = 'e';
+  Make("t.cab", bytes);
+  MemorySink sink;
+  EXPECT_THAT(Unpack("t.cab", sink).message(), HasSubstr("does not match its checksum"));
 }
 
 TEST_F(CabinetReaderTest, EntriesComeByFolderAndOffsetWhateverTheirOrder) {

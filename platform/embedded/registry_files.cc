@@ -49,11 +49,13 @@ std::string JournalHead(const FileIdentity& file) {
 std::string MakeRecord(const formats::RegFile& change) {
   formats::RegFileWriter writer;
   for (const formats::RegFileKey& key : change.keys) {
+    // Without its "\" the root would have no name, and a key "-a" would read as the deletion of "a".
+    const std::string path = "\\" + key.path;
     if (key.deleted) {
-      writer.AddKeyDeletion(key.path);
+      writer.AddKeyDeletion(path);
       continue;
     }
-    writer.AddKey(key.path);
+    writer.AddKey(path);
     for (const formats::RegFileValue& value : key.values) {
       if (value.deleted) {
         writer.AddValueDeletion(value.name);

@@ -183,6 +183,21 @@ TEST(EmbeddedRegistry, OthersSeeAChangeAtOnceAndThroughOpenHandles) {
   EXPECT_EQ((*key)->QueryValue("n", 255).number(), kErrorKeyDeleted);
 }
 
+TEST(EmbeddedRegistry, OthersSeeValuesOfTheRootAndKeysThatBeginWithAHyphen) {
+  const TempRoot root;
+  EmbeddedRegistry writer(root.root(), 1252);
+  SetDword(writer, Hive::kCurrentUser, "a\\b", "kept", 1);
+  SetDword(writer, Hive::kCurrentUser, "-a", "hyphen", 2);
+  SetDword(writer, Hive::kCurrentUser, "", "root", 3);
+  EmbeddedRegistry reader(root.root(), 1252);
+  EXPECT_EQ(GetDword(reader, Hive::kCurrentUser, "a\\b", "kept"), 1u);
+  EXPECT_EQ(GetDword(reader, Hive::kCurrentUser, "-a", "hyphen"), 2u);
+  EXPECT_EQ(GetDword(reader, Hive::kCurrentUser, "", "root"), 3u);
+  EXPECT_TRUE(writer.DeleteKey(Hive::kCurrentUser, "-a").ok());
+  EXPECT_FALSE(reader.OpenKey(Hive::kCurrentUser, "-a", kKeyQuery).ok());
+  EXPECT_EQ(GetDword(reader, Hive::kCurrentUser, "a\\b", "kept"), 1u);
+}
+
 TEST(EmbeddedRegistry, AFileReplacedFromOutsideIsReadAnew) {
   const TempRoot root;
   EmbeddedRegistry registry(root.root(), 1252);
