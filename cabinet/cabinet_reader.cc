@@ -103,7 +103,24 @@ Status CabinetReader::ReadHead(int code_page) {
       return {kErrorUnsupported, "it is compressed in a way that is not known."};
     }
   }
+  KW_RETURN_IF_ERROR(CheckFolders());
   return ReadEntries(code_page, file_size, files_offset, file_count);
+}
+
+// Folders that share their data would let a small cabinet unpack to any size. Here the records of their
+// blocks must have room beside each other, which bounds what can come out by the size of the cabinet.
+Status CabinetReader::CheckFolders() const {
+  std::vector<std::pair<uint64_t, uint64_t>> places;
+  for (const CabinetFolder& folder : folders_) {
+    if (folder.blocks == 0) continue;
+    const uint64_t least = uint64_t{folder.blocks} * (kDataRecordSize + reserved_data_);
+    places.emplace_back(folder.data_offset, folder.data_offset + least);
+  }
+  std::sort(places.begin(), places.end());
+  for (size_t i = 1; i < places.size(); ++i) {
+    if (places[i - 1].second > places[i].first) return {kErrorInvalidData, "two folders in it share data."};
+  }
+  return {};
 }
 
 Status CabinetReader::ReadEntries(int code_page, uint64_t file_size, uint32_t offset, size_t count) {

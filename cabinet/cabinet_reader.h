@@ -79,6 +79,7 @@ class CabinetReader {
  private:
   explicit CabinetReader(std::string path) : path_(std::move(path)) {}
   Status ReadHead(int code_page);
+  Status CheckFolders() const;
   Status ReadEntries(int code_page, uint64_t file_size, uint32_t offset, size_t count);
   Status ExtractFolder(size_t folder, const std::vector<const CabinetEntry*>& entries, EntrySink& sink,
                        unsigned threads);

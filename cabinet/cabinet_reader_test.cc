@@ -300,6 +300,23 @@ TEST_F(CabinetReaderTest, OverlappingEntriesAreRefused) {
   EXPECT_TRUE(sink.order.empty());
 }
 
+TEST_F(CabinetReaderTest, FoldersThatShareTheirDataAreRefused) {
+  HandMade made;
+  made.folders = {{kStored, {{"abcdef", 6}}}, {kStored, {}}, {kStored, {{"ghijkl", 6}}}};
+  made.files = {{"a", 6, 0}, {"b", 6, 0, 2}};
+  const std::string good = made.Bytes();
+  const auto offset_at = [](size_t folder) { return kHeaderSize + folder * kFolderRecordSize; };
+  const auto second = static_cast<unsigned char>(good[offset_at(2)]);
+  const auto first = static_cast<unsigned char>(good[offset_at(0)]);
+  EXPECT_TRUE(OpenBytes(good).ok()) << "a folder without data lies where it likes";
+  for (int offset = first - 7; offset < first + 8; ++offset) {
+    std::string bytes = good;
+    bytes[offset_at(2)] = static_cast<char>(offset);
+    EXPECT_THAT(OpenBytes(bytes).status().message(), HasSubstr("two folders in it share data.")) << offset;
+  }
+  EXPECT_EQ(second, first + 14);
+}
+
 TEST_F(CabinetReaderTest, ImpossibleBlockSizesAreRefused) {
   for (const auto& block : {std::pair<std::string, uint16_t>{"abc", 40000}, {"abc", 0}, {"abc", 2}}) {
     HandMade made;

@@ -11,6 +11,10 @@ namespace {
 
 using namespace layout;
 
+// Deeper nesting is taken for an attack; what walks storages, or lets go of them, may then recurse.
+constexpr size_t kMaxDepth = 200;
+constexpr size_t kRoomToGrow = 4096;  // sectors
+
 Error Damaged(const std::string& what) {
   return Error{kErrorInstallPackageInvalid, "The file is not a sound database: " + what + "."};
 }
@@ -82,6 +86,8 @@ Status CompoundFile::LoadHeader(uint64_t file_size) {
   const uint64_t sectors = ((file_size + SectorSize() - 1) >> shift_) - 1;
   if (file_size <= SectorSize() || sectors >= kMaxSector) return Damaged("its size is impossible");
   written_end_ = file_size;
+  // A small change needs a few sectors more, which must not cost a copy of the whole table.
+  fat_.reserve(static_cast<size_t>(sectors) + kRoomToGrow);
   fat_.assign(static_cast<size_t>(sectors), kFree);
   fresh_.assign(fat_.size(), false);  // while loading: the sectors that some chain has claimed
   return {};
@@ -246,8 +252,13 @@ Status CompoundFile::LoadStream(CfEntry& entry, uint32_t start, uint64_t size) {
 Status CompoundFile::LoadTree() {
   const uint32_t count = static_cast<uint32_t>(directory_bytes_.size() / kEntrySize);
   std::vector<bool> seen(count, false);
-  // Each item: an entry of the directory still to be read, and the storage that it belongs to.
-  std::vector<std::pair<uint32_t, CfEntry*>> open;
+  // An entry of the directory still to be read, and the storage that it belongs to.
+  struct Item {
+    uint32_t id;
+    CfEntry* parent;
+    size_t depth;
+  };
+  std::vector<Item> open;
   const auto fill = [&](CfEntry& entry, const char* raw) {
     entry.type = static_cast<uint8_t>(raw[kEntryTypeAt]);
     std::memcpy(entry.class_id.data(), raw + kEntryClassAt, 16);
@@ -259,9 +270,9 @@ Status CompoundFile::LoadTree() {
   };
   fill(root_, directory_bytes_.data());
   seen[0] = true;
-  open.emplace_back(GetU32(directory_bytes_.data() + kEntryChildAt), &root_);
+  open.push_back({GetU32(directory_bytes_.data() + kEntryChildAt), &root_, 1});
   while (!open.empty()) {
-    const auto [id, parent] = open.back();
+    const auto [id, parent, depth] = open.back();
     open.pop_back();
     if (id == kNoEntry) continue;
     if (id >= count || seen[id]) return Damaged("its directory is broken");
@@ -278,12 +289,13 @@ Status CompoundFile::LoadTree() {
       if (shift_ == 9) size &= 0xFFFFFFFF;
       KW_RETURN_IF_ERROR(LoadStream(*entry, GetU32(raw + kEntryStartAt), size));
     } else if (entry->type == kStorageEntry) {
-      open.emplace_back(GetU32(raw + kEntryChildAt), entry.get());
+      if (depth == kMaxDepth) return Damaged("its storages lie too deep in one another");
+      open.push_back({GetU32(raw + kEntryChildAt), entry.get(), depth + 1});
     } else {
       return Damaged("its directory holds an entry of an unknown kind");
     }
-    open.emplace_back(GetU32(raw + kEntryLeftAt), parent);
-    open.emplace_back(GetU32(raw + kEntryRightAt), parent);
+    open.push_back({GetU32(raw + kEntryLeftAt), parent, depth});
+    open.push_back({GetU32(raw + kEntryRightAt), parent, depth});
     const std::u16string name = entry->name;
     parent->children.emplace(name, std::move(entry));
   }

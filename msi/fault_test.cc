@@ -2,6 +2,9 @@
 #include <random>
 
 #include "base/testing/faulty_storage.h"
+#include "msi/bytes.h"
+#include "msi/compound_file.h"
+#include "msi/compound_layout.h"
 #include "msi/test_support.h"
 
 namespace kw::msi {
@@ -207,6 +210,50 @@ TEST_F(FaultTest, AMutatedFileIsReadOrRefusedButNeverMore) {
     }
   }
   EXPECT_GT(opened, 100);
+}
+
+// A file of 4096-byte sectors whose storages lie in one another, so many levels deep.
+std::string NestedStorages(uint32_t levels) {
+  using namespace layout;
+  constexpr uint32_t kSector = 4096;
+  const uint32_t directory = ((levels + 1) * uint32_t{kEntrySize} + kSector - 1) / kSector;
+  const uint32_t tables = directory / (kSector / 4) + 1;
+  std::string file(size_t{kSector} * (1 + directory + tables), '\0');
+  std::copy(std::begin(kSignature), std::end(kSignature), file.begin());
+  PutU16(&file[kMajorVersionAt], 4);
+  PutU16(&file[kByteOrderAt], 0xFFFE);
+  PutU16(&file[kSectorShiftAt], 12);
+  PutU16(&file[kMiniShiftAt], kMiniShift);
+  PutU32(&file[kFatSectorsAt], tables);
+  PutU32(&file[kMiniCutoffAt], kMiniCutoff);
+  PutU32(&file[kMiniFatStartAt], kEndOfChain);
+  PutU32(&file[kDifatStartAt], kEndOfChain);
+  for (uint32_t i = 0; i < kHeaderDifat; ++i)
+    PutU32(&file[kDifatAt + 4 * i], i < tables ? directory + i : kFree);
+  for (uint32_t i = 0; i <= levels; ++i) {
+    char* const entry = &file[kSector + size_t{i} * kEntrySize];
+    PutU16(entry, 'x');
+    PutU16(entry + kEntryNameBytes, 4);
+    entry[kEntryTypeAt] = static_cast<char>(i == 0 ? kRootEntry : kStorageEntry);
+    PutU32(entry + kEntryLeftAt, kNoEntry);
+    PutU32(entry + kEntryRightAt, kNoEntry);
+    PutU32(entry + kEntryChildAt, i < levels ? i + 1 : kNoEntry);
+  }
+  char* const table = &file[kSector * (size_t{1} + directory)];
+  for (uint32_t i = 0; i < tables * (kSector / 4); ++i)
+    PutU32(table + 4 * size_t{i}, i + 1 < directory ? i + 1 : i + 1 == directory ? kEndOfChain : kFree);
+  return file;
+}
+
+TEST_F(FaultTest, StoragesThatLieDeepInOneAnotherAreRefusedAndNotRecursedInto) {
+  for (const uint32_t levels : {3u, 150u, 201u, 400000u}) {
+    storage.Content("deep.msi") = NestedStorages(levels);
+    const auto file = CompoundFile::Open(Get(storage.Open("deep.msi", Storage::Mode::kRead)));
+    EXPECT_EQ(file.ok(), levels <= 200) << levels << ": " << file.status().message();
+    if (!file.ok()) {
+      EXPECT_NE(file.status().message().find("too deep in one another"), std::string::npos) << levels;
+    }
+  }
 }
 
 TEST_F(FaultTest, OpeningIsRefusedWhereItCannotWork) {

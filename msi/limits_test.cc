@@ -165,6 +165,27 @@ TEST_F(SizeLimitTest, ADatabaseOfNearlyTwoGigabytesIsRightAndGrowsNoFurther) {
   }
 }
 
+TEST_F(SizeLimitTest, ACellChangedBesideALargeStreamLeavesTheStreamAlone) {
+  for (const uint64_t size : {50 * kMegabyte, 500 * kMegabyte, 1900 * kMegabyte}) {
+    KW_EXPECT_OK(RunSql(*db, "delete from `Cabs`"));
+    KW_EXPECT_OK(db->Commit());
+    KW_EXPECT_OK(Insert("large", size));
+    KW_EXPECT_OK(db->Commit());
+    db = nullptr;
+    db = Get(Database::Open(storage, "a.msi", OpenMode::kTransact));
+    HollowStorage::Content& file = storage.files["a.msi"];
+    for (int turn = 0; turn < 3; ++turn) {
+      file.written = file.read = 0;
+      const std::string text = Numbered("turn ", turn) + Numbered(" beside ", static_cast<long long>(size));
+      KW_EXPECT_OK(RunSql(*db, "update `Property` set `Value` = ?", {T(text)}));
+      KW_EXPECT_OK(db->Commit());
+      // What grows is the list of the sector table's blocks: four bytes for each 64 KiB.
+      EXPECT_LT(file.written + file.read, 16384 + size / 10000) << size;
+      EXPECT_LT(file.size, size * 102 / 100);
+    }
+  }
+}
+
 class LimitTest : public DatabaseTest {
  protected:
   void SetUp() override {

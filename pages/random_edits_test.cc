@@ -171,9 +171,9 @@ struct RandomEdits : OpenPackageFixture, ::testing::TestWithParam<unsigned> {
     std::set<std::string> ids;
     for (const std::string& line : Rows("select `Component`, `ComponentId`, `Directory_` from `Component`")) {
       const std::vector<std::string> fields = Split(line, '|');
+      EXPECT_TRUE(ids.insert(fields[1]).second) << "two components have the id " << fields[1];
       if (!fields[0].starts_with("_id_")) continue;
       components.insert(fields[0]);
-      EXPECT_TRUE(ids.insert(fields[1]).second) << "two components have the id " << fields[1];
       EXPECT_THAT(fields[1], ::testing::MatchesRegex("\\{\\w+-\\w+-\\w+-\\w+-\\w+\\}"));
       std::string directory = fields[2];
       for (int depth = 0; directory != "TARGETDIR"; ++depth) {
