@@ -1,12 +1,17 @@
 #include "cabinet/workers.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace kw::cabinet {
 
 Workers::Workers(unsigned threads) {
   if (threads < 2) return;
-  for (unsigned i = 0; i < threads; ++i) threads_.emplace_back([this] { Loop(); });
+  try {
+    for (unsigned i = 0; i < threads; ++i) threads_.emplace_back([this] { Loop(); });
+  } catch (const std::system_error&) {
+    return;  // those that there are do the work
+  }
 }
 
 Workers::~Workers() {

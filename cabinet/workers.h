@@ -18,7 +18,8 @@ class Workers {
     bool done = true;
   };
 
-  /// With fewer than two threads the work is done by whoever starts it.
+  /// With fewer than two threads the work is done by whoever starts it, and so it is when the system has no
+  /// thread to give; one that has fewer gives those.
   explicit Workers(unsigned threads);
   /// Waits for every task that was started.
   ~Workers();

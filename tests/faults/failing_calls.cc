@@ -4,6 +4,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/random.h>
@@ -13,6 +14,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -341,6 +343,15 @@ DIR* fdopendir(int fd) {
   }
 READDIR(readdir, dirent)
 READDIR(readdir64, dirent64)
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*work)(void*),
+                   void* argument) {
+  NEXT(pthread_create);
+  static std::atomic<int> started{0};
+  const char* const most = std::getenv(kw::faults::kThreadsVariable);
+  if (most != nullptr && started.fetch_add(1) >= std::atoi(most)) return EAGAIN;
+  return next(thread, attributes, work, argument);
+}
 
 ssize_t getrandom(void* bytes, size_t length, unsigned) {
   FaultPlan* const plan = Plan();

@@ -79,6 +79,8 @@ struct FaultPlan {
 
 /// The environment variable with the path of the plan's file.
 constexpr const char* kPlanVariable = "KITWRIGHT_FAULT_PLAN";
+/// The environment variable with the number of threads that the system starts before it refuses.
+constexpr const char* kThreadsVariable = "KITWRIGHT_FAULT_THREADS";
 
 }  // namespace kw::faults
 

@@ -65,12 +65,17 @@ class CabinetCallTest : public ::testing::Test {
     return files;
   }
   Ending Pack(const Kind& kind, uint32_t at, const std::string& watched) const {
-    return RunFailing(folder_, {MAKECAB, "/f", Machine("t.ddf"), "/l", Machine("out")},
-                      {"KITWRIGHT_ROOT=" + Path("root")}, Path(watched), kind, at);
+    return RunFailing(folder_, {MAKECAB, "/f", Machine("t.ddf"), "/l", Machine("out")}, Environment(),
+                      Path(watched), kind, at);
   }
   Ending Unpack(const Kind& kind, uint32_t at, const std::string& watched) const {
-    return RunFailing(folder_, {CABARC, "X", Machine("good.cab"), "*.*", Machine("to") + "\\"},
-                      {"KITWRIGHT_ROOT=" + Path("root")}, Path(watched), kind, at);
+    return RunFailing(folder_, {CABARC, "X", Machine("good.cab"), "*.*", Machine("to") + "\\"}, Environment(),
+                      Path(watched), kind, at);
+  }
+  std::vector<std::string> Environment() const {
+    std::vector<std::string> environment = more_environment_;
+    environment.push_back("KITWRIGHT_ROOT=" + Path("root"));
+    return environment;
   }
   void ResetPack() const {
     fs::remove_all(folder_ / "out");
@@ -86,6 +91,7 @@ class CabinetCallTest : public ::testing::Test {
   }
 
   fs::path folder_;
+  std::vector<std::string> more_environment_;
 };
 
 TEST_F(CabinetCallTest, ACabinetIsTheOldOneOrNoneOrTheNewOne) {
@@ -112,7 +118,8 @@ TEST_F(CabinetCallTest, ACabinetIsTheOldOneOrNoneOrTheNewOne) {
         EXPECT_TRUE(!ending.success || (cabinet != made.end() && cabinet->second == good))
             << "success was claimed wrongly";
         // Only who is killed, or can remove nothing, leaves what was begun.
-        EXPECT_TRUE(made.size() == (cabinet == made.end() ? 0 : 1) || ending.killed || kind.forever) << made.size();
+        EXPECT_TRUE(made.size() == (cabinet == made.end() ? 0 : 1) || ending.killed || kind.forever)
+            << made.size();
         EXPECT_EQ(Files("in"), sources);
         // Whatever was left, the next one finds its place.
         if (ending.killed) {
@@ -152,6 +159,26 @@ TEST_F(CabinetCallTest, AFileIsUnpackedWholeOrTheFailureIsTold) {
         EXPECT_EQ(Bytes("good.cab"), cabinet);
       }
     }
+  }
+}
+
+TEST_F(CabinetCallTest, ASystemWithoutThreadsToGiveGetsTheSameResult) {
+  std::string bytes;
+  for (int i = 0; i < 60; ++i) bytes += Bytes("in/large").substr(0, static_cast<size_t>(30000 - i));
+  std::ofstream(folder_ / "in/large", std::ios::binary) << bytes;  // more blocks than one thread unpacks
+  ResetPack();
+  ASSERT_TRUE(Pack({}, 0, "out").success);
+  const std::string good = Bytes("out/t.cab");
+  std::ofstream(folder_ / "good.cab", std::ios::binary) << good;
+  for (const char* threads : {"0", "1"}) {
+    SCOPED_TRACE(threads);
+    more_environment_ = {std::string(faults::kThreadsVariable) + "=" + threads};
+    ResetPack();
+    EXPECT_TRUE(Pack({}, 0, "out").success);
+    EXPECT_EQ(Files("out"), (std::map<std::string, std::string>{{"t.cab", good}}));
+    ResetUnpack();
+    EXPECT_TRUE(Unpack({}, 0, "to").success);
+    EXPECT_EQ(Files("to"), Files("in"));
   }
 }
 
