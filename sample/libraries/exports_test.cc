@@ -209,6 +209,22 @@ TEST_F(LibrariesTest, ABadArchiveRaisesAndWritesNothing) {
   EXPECT_EQ(Content("up.txt"), "(missing)");
 }
 
+TEST_F(LibrariesTest, AMemberOfAnotherSizeThanTheArchiveTellsRaisesAndWritesNothing) {
+  std::filesystem::create_directories(machine_.OnC("Out"));
+  for (const char told : {'\x0A', '\xFF'}) {
+    PutZip("size.zip", {{"a.txt", std::string(200, 'x')}});
+    std::string bytes = Content("size.zip");
+    const size_t record = bytes.rfind("PK\x01\x02");
+    ASSERT_NE(record, std::string::npos);
+    ASSERT_EQ(bytes[record + 24], '\xC8');
+    bytes[record + 24] = told;
+    machine_.Put("drive_c/size.zip", bytes);
+    CALL(unzip_, TxUnzip)("C:\\size.zip", "C:\\Out");
+    EXPECT_NE(CALL(unzip_, LastCallRaised)(), 0);
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(machine_.OnC("Out")));
+}
+
 TEST_F(LibrariesTest, AnArchiveWritesThroughNoLinkAndMixesNoNames) {
   machine_.Put("drive_c/precious.txt", "precious");
   std::filesystem::create_directories(machine_.OnC("Out"));

@@ -75,13 +75,17 @@ Status UnpackMember(zip_t* archive, const Member& member, cabinet::FolderSink& s
   if (!file) return Status(kErrorInvalidData, member.entry.name + " cannot be unpacked.");
   KW_RETURN_IF_ERROR(sink.Begin(member.entry));
   std::vector<std::byte> buffer(1 << 16);
+  const Status damaged(kErrorInvalidData, member.entry.name + " is damaged.");
   Status outcome;
+  // The library unpacks to whatever comes, also to more than the archive tells.
+  zip_int64_t left = member.entry.size;
   while (outcome.ok()) {
     const zip_int64_t got = zip_fread(file.get(), buffer.data(), buffer.size());
     if (got == 0) break;
-    outcome = got < 0 ? Status(kErrorInvalidData, member.entry.name + " is damaged.")
-                      : sink.Write(std::span(buffer).first(static_cast<size_t>(got)));
+    left -= got;
+    outcome = got < 0 || left < 0 ? damaged : sink.Write(std::span(buffer).first(static_cast<size_t>(got)));
   }
+  if (outcome.ok() && left != 0) outcome = damaged;
   const Status end = sink.End(member.entry, outcome);
   return outcome.ok() ? end : outcome;
 }
