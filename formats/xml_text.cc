@@ -281,12 +281,15 @@ struct StringWriter : pugi::xml_writer {
 Result<std::unique_ptr<XmlText>> XmlText::Parse(std::string_view bytes) {
   auto xml = std::make_unique<XmlText>();
   std::string text;
-  if (bytes.starts_with(kUtf16LittleMark)) {
-    xml->encoding_ = kUtf16Little;
-    text = Utf16LeBytesToUtf8(bytes.substr(2));
-  } else if (bytes.starts_with(kUtf16BigMark)) {
-    xml->encoding_ = kUtf16Big;
-    text = Utf16LeBytesToUtf8(SwapBytePairs(bytes.substr(2)));
+  if (bytes.starts_with(kUtf16LittleMark) || bytes.starts_with(kUtf16BigMark)) {
+    const bool little = bytes.starts_with(kUtf16LittleMark);
+    xml->encoding_ = little ? kUtf16Little : kUtf16Big;
+    const std::string units = little ? std::string(bytes.substr(2)) : SwapBytePairs(bytes.substr(2));
+    text = Utf16LeBytesToUtf8(units);
+    // Half a character would be saved as another one.
+    if (Utf8ToUtf16LeBytes(text) != units) {
+      return {kErrorInvalidData, "The XML text holds bytes that are no UTF-16."};
+    }
   } else {
     xml->utf8_mark_ = bytes.starts_with(kUtf8Mark);
     if (xml->utf8_mark_) {
@@ -339,7 +342,7 @@ std::string XmlText::TextOf(pugi::xml_node node) {
         text += Resolve(child.value());
         break;
       case pugi::node_cdata:
-        text += ReplaceAll(child.value(), "\r\n", "\n");
+        text += ReplaceAll(ReplaceAll(child.value(), "\r\n", "\n"), "\r", "\n");
         break;
       case pugi::node_element:
         text += TextOf(child);

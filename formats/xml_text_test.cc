@@ -96,6 +96,21 @@ TEST(XmlText, WhatIsNotWellFormedIsRefusedWithItsLine) {
             std::string::npos);
 }
 
+TEST(XmlText, BrokenUtf16IsRefused) {
+  const std::string good("\xFF\xFE<\0a\0>\0\x3D\xD8\x00\xDE<\0/\0a\0>\0", 20);
+  ASSERT_TRUE(Loads(good));
+  EXPECT_EQ((*XmlText::Parse(good))->Serialize(), good);
+  EXPECT_FALSE(Loads(good + "\n"));                          // half a unit
+  EXPECT_FALSE(Loads(good.substr(0, 8) + good.substr(10)));  // half a pair
+  EXPECT_FALSE(Loads("\xFE\xFF" + std::string("\0<\0a\0>\xDE\0\0<\0/\0a\0>", 16)));
+}
+
+TEST(XmlText, LineEndsOfEverySystemReadAsLineFeeds) {
+  const auto xml = XmlText::Parse("<a>1\r2\r\n3<![CDATA[4\r5\r\n6]]></a>");
+  ASSERT_TRUE(xml.ok());
+  EXPECT_EQ(XmlText::TextOf((*xml)->Root()), "1\n2\n34\n5\n6");
+}
+
 TEST(XmlText, EntitiesOfTheDocumentTypeAreNeitherFetchedNorExpanded) {
   const std::string text =
       "<!DOCTYPE a [<!ENTITY x SYSTEM \"file:///etc/passwd\"><!ENTITY y \"&x;&x;\">]><a>&x;&y;</a>";
