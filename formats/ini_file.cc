@@ -25,6 +25,13 @@ std::string_view StripQuotes(std::string_view value) {
   return value;
 }
 
+// A line ends in LF, CR LF or CR alone, as for the profile calls.
+size_t LineLength(std::string_view bytes) {
+  const size_t end = bytes.find_first_of("\r\n");
+  if (end == std::string_view::npos) return bytes.size();
+  return end + (bytes.substr(end).starts_with(kLineEnd) ? kLineEnd.size() : 1);
+}
+
 bool HasLineBreak(std::string_view text) { return text.find_first_of("\r\n") != std::string_view::npos; }
 
 }  // namespace
@@ -42,8 +49,7 @@ IniFile IniFile::Parse(std::string_view bytes, int code_page) {
     bytes.remove_prefix(kUtf8Mark.size());
   }
   while (!bytes.empty()) {
-    const size_t end = bytes.find('\n');
-    const size_t length = end == std::string_view::npos ? bytes.size() : end + 1;
+    const size_t length = LineLength(bytes);
     file.lines_.push_back(file.MakeLine(bytes.substr(0, length)));
     bytes.remove_prefix(length);
   }
@@ -118,7 +124,7 @@ std::vector<std::string> IniFile::SectionNames() const {
 }
 
 void IniFile::EndLastLine() {
-  if (!lines_.empty() && !lines_.back().raw.ends_with('\n')) lines_.back().raw += kLineEnd;
+  if (!lines_.empty() && !HasLineBreak(lines_.back().raw)) lines_.back().raw += kLineEnd;
 }
 
 Status IniFile::Write(std::string_view section, std::string_view key, std::string_view value) {

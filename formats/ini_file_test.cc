@@ -50,6 +50,16 @@ TEST(IniFile, DoubleByteTextWithABracketAsItsTrailByteIsRead) {
   EXPECT_EQ(ReadOne("[S]\r\nk=\x83\x5D\r\n[\x83\x5D]\r\nk=v\r\n", "\xE3\x82\xBE", "k", 932), "v");
 }
 
+TEST(IniFile, LinesMayEndInAnyWayAndKeepTheirEnds) {
+  IniFile file = IniFile::Parse("[a]\rk=1\r\r\n[b]\nk=2\r\n[c]\rk=3\r", 1252);
+  EXPECT_EQ(file.Read("a", "k"), "1");
+  EXPECT_EQ(file.Read("b", "k"), "2");
+  EXPECT_EQ(file.Read("c", "k"), "3");
+  ASSERT_TRUE(file.Write("b", "k", "x").ok());
+  ASSERT_TRUE(file.Write("c", "n", "y").ok());
+  EXPECT_EQ(file.Serialize(), "[a]\rk=1\r\r\n[b]\nk=x\r\n[c]\rk=3\rn=y\r\n");
+}
+
 TEST(IniFile, AReplacedKeyKeepsItsPlaceAndSpellingAndAllElseItsBytes) {
   EXPECT_EQ(WriteOne("; first\n\n[S]\nOne = 1\r\n Two=2 ; x\n\xE4=\xF6\n", "s", "ONE", "new"),
             "; first\n\n[S]\nOne=new\r\n Two=2 ; x\n\xE4=\xF6\n");
