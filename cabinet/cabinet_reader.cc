@@ -168,14 +168,16 @@ Status CabinetReader::ExtractFolder(size_t folder, const std::vector<const Cabin
   std::stable_sort(ordered.begin(), ordered.end(), [](const CabinetEntry* a, const CabinetEntry* b) {
     return a->offset != b->offset ? a->offset < b->offset : a->size == 0 && b->size != 0;
   });
-  for (size_t i = 1; i < ordered.size(); ++i) {
+  uint64_t end = 0;
+  for (const CabinetEntry* entry : ordered) {
+    if (entry->size == 0) continue;  // wherever it says that it lies
     // Shared bytes would let a small cabinet unpack to any size.
-    if (uint64_t{ordered[i - 1]->offset} + ordered[i - 1]->size > ordered[i]->offset) {
-      return {kErrorInvalidData, "Could not unpack \"" + ordered[i]->name + "\" from " + path_ +
+    if (end > entry->offset) {
+      return {kErrorInvalidData, "Could not unpack \"" + entry->name + "\" from " + path_ +
                                      ": it overlaps another file of the cabinet."};
     }
+    end = uint64_t{entry->offset} + entry->size;
   }
-  const uint64_t end = uint64_t{ordered.back()->offset} + ordered.back()->size;
   EntrySplitter splitter(path_, std::move(ordered), sink);
   const TakeBytes take = [&splitter](std::span<const std::byte> data) {
     splitter.Take(data);

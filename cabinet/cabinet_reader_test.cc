@@ -300,6 +300,23 @@ TEST_F(CabinetReaderTest, OverlappingEntriesAreRefused) {
   EXPECT_TRUE(sink.order.empty());
 }
 
+TEST_F(CabinetReaderTest, AnEmptyFileComesWhereverItSaysThatItLies) {
+  for (const uint16_t type : {uint16_t{kStored}, uint16_t{kMszip}, uint16_t{kLzx | (15 << 8)}}) {
+    HandMade made;
+    made.folders = {{type, {{"not a block of its kind, or of another size", 6}}}};
+    if (type == kStored) made.folders[0].second = {{"abcdef", 6}};
+    made.files = {{"start", 0, 0}, {"a", 3, 0}, {"within", 0, 1}, {"b", 3, 3}, {"beyond", 0, 77}};
+    Make("t.cab", made.Bytes());
+    MemorySink sink;
+    EXPECT_EQ(Unpack("t.cab", sink).ok(), type == kStored);
+    EXPECT_EQ(sink.content.size(), type == kStored ? 5u : 3u);
+    for (const char* name : {"start", "within", "beyond"}) {
+      EXPECT_TRUE(sink.content.contains(name)) << name;
+      EXPECT_EQ(sink.outcomes[name], 0) << name;
+    }
+  }
+}
+
 TEST_F(CabinetReaderTest, FoldersThatShareTheirDataAreRefused) {
   HandMade made;
   made.folders = {{kStored, {{"abcdef", 6}}}, {kStored, {}}, {kStored, {{"ghijkl", 6}}}};

@@ -20,19 +20,19 @@ void EntrySplitter::Take(std::span<const std::byte> data) {
   while (!done()) {
     const CabinetEntry& entry = *entries_[next_];
     if (!open_ && !skipped_) {
-      if (entry.offset > position_) {
+      if (entry.size > 0 && entry.offset > position_) {
         const size_t gap = static_cast<size_t>(std::min<uint64_t>(entry.offset - position_, data.size()));
         position_ += gap;
         data = data.subspan(gap);
       }
-      if (entry.offset > position_ || (data.empty() && entry.size > 0)) return;
+      if (entry.size > 0 && (entry.offset > position_ || data.empty())) return;
       const Status begun = sink_.Begin(entry);
       open_ = begun.ok();
       skipped_ = !open_;
       write_outcome_ = Status();
       if (skipped_) Fail(entry, begun);
     }
-    const uint64_t left = uint64_t{entry.offset} + entry.size - position_;
+    const uint64_t left = entry.size == 0 ? 0 : uint64_t{entry.offset} + entry.size - position_;
     const size_t mine = static_cast<size_t>(std::min<uint64_t>(left, data.size()));
     if (open_ && write_outcome_.ok() && mine > 0) write_outcome_ = sink_.Write(data.first(mine));
     position_ += mine;
@@ -43,8 +43,9 @@ void EntrySplitter::Take(std::span<const std::byte> data) {
 }
 
 void EntrySplitter::Finish(const Status& outcome) {
-  Take({});
-  while (!done()) {
+  while (true) {
+    Take({});  // files without content need no data
+    if (done()) return;
     Status failure = outcome;
     if (failure.ok()) failure = Status(kErrorInvalidData, "the cabinet's data ends before it.");
     if (open_) {
