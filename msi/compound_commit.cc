@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstring>
+#include <functional>
+#include <utility>
 
 #include "base/text.h"
 #include "msi/bytes.h"
@@ -13,6 +15,10 @@ namespace kw::msi {
 namespace {
 
 using namespace layout;
+
+// So many small sectors and entries of the directory may lie idle before the others move together.
+constexpr size_t kMiniSlack = 64;
+constexpr size_t kEntrySlack = 64;
 
 // The order of siblings: shorter names first, then by upper-case characters.
 std::u16string SortKey(const std::u16string& name) {
@@ -94,6 +100,7 @@ Status CompoundFile::WriteMini() {
       KW_RETURN_IF_ERROR(PlaceMini(*entry->stream));
     }
   }
+  KW_RETURN_IF_ERROR(CompactMini());
   if (mini_free_.size() > 0 && minifat_.back() == kFree) {
     while (!minifat_.empty() && minifat_.back() == kFree) minifat_.pop_back();
     std::erase_if(mini_free_, [&](uint32_t sector) { return sector >= minifat_.size(); });
@@ -128,6 +135,7 @@ Status CompoundFile::WriteMini() {
 }
 
 std::string CompoundFile::BuildDirectory() {
+  CompactDirectory();
   std::string bytes(((next_entry_id_ * kEntrySize + SectorSize() - 1) >> shift_) << shift_, '\0');
   for (size_t at = 0; at < bytes.size(); at += kEntrySize) {
     PutU32(bytes.data() + at + kEntryLeftAt, kNoEntry);
@@ -363,6 +371,58 @@ Status CompoundFile::MoveDown(std::vector<uint32_t>& chain, uint32_t limit) {
   }
   if (moved) Link(chain);
   return {};
+}
+
+Status CompoundFile::CompactMini() {
+  // As large streams do, small ones move down when more than a little of what holds them is free.
+  const size_t used = minifat_.size() - mini_free_.size();
+  if (mini_free_.size() <= used / 256 + kMiniSlack) return {};
+  std::vector<uint32_t> targets;
+  std::copy_if(mini_free_.begin(), mini_free_.end(), std::back_inserter(targets),
+               [&](uint32_t sector) { return sector < used; });
+  std::sort(targets.begin(), targets.end(), std::greater<>());
+  Status status;
+  for (CfEntry* entry : AllEntries()) {
+    if (!entry->stream || entry->stream->place_ != CfStream::Place::kMini) continue;
+    std::vector<uint32_t>& chain = entry->stream->chain_;
+    for (size_t i = 0; i < chain.size() && status.ok(); ++i) {
+      if (chain[i] < used) continue;
+      status = MoveMini(chain[i], targets.back());
+      if (!status.ok()) break;
+      if (i > 0) minifat_[chain[i - 1]] = targets.back();
+      chain[i] = targets.back();
+      targets.pop_back();
+    }
+  }
+  mini_free_.clear();
+  for (size_t sector = minifat_.size(); sector-- > 0;) {
+    if (minifat_[sector] == kFree) mini_free_.push_back(static_cast<uint32_t>(sector));
+  }
+  return status;
+}
+
+Status CompoundFile::MoveMini(uint32_t from, uint32_t to) {
+  const uint64_t source = static_cast<uint64_t>(from) << kMiniShift;
+  const uint64_t target = static_cast<uint64_t>(to) << kMiniShift;
+  KW_ASSIGN_OR_RETURN(const std::string* const old_block, MiniBlock(static_cast<uint32_t>(source >> shift_)));
+  KW_ASSIGN_OR_RETURN(std::string* const new_block, MiniBlock(static_cast<uint32_t>(target >> shift_)));
+  std::memcpy(new_block->data() + (target & (SectorSize() - 1)),
+              old_block->data() + (source & (SectorSize() - 1)), kMiniSize);
+  minifat_[to] = std::exchange(minifat_[from], kFree);
+  return {};
+}
+
+void CompoundFile::CompactDirectory() {
+  if (free_entry_ids_.size() <= next_entry_id_ / 256 + kEntrySlack) return;
+  const std::vector<CfEntry*> entries = AllEntries();
+  const uint32_t count = static_cast<uint32_t>(entries.size());
+  std::erase_if(free_entry_ids_, [&](uint32_t id) { return id >= count; });
+  for (CfEntry* entry : entries) {
+    if (entry->id < count) continue;
+    entry->id = free_entry_ids_.back();
+    free_entry_ids_.pop_back();
+  }
+  next_entry_id_ = count;
 }
 
 Status CompoundFile::Compact() {

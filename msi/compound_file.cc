@@ -204,6 +204,9 @@ Status CompoundFile::LoadMini(uint32_t minifat_start, uint32_t container_start, 
     }
     return {};
   }
+  if (container_size > static_cast<uint64_t>(fat_.size()) << shift_) {
+    return Damaged("the container of small streams is cut short");
+  }
   const uint64_t count = (container_size + kMiniSize - 1) >> kMiniShift;
   const uint64_t per_sector = SectorSize() / 4;
   KW_ASSIGN_OR_RETURN(minifat_chain_, WalkChain(minifat_start, (count + per_sector - 1) / per_sector,
@@ -218,6 +221,8 @@ Status CompoundFile::LoadMini(uint32_t minifat_start, uint32_t container_start, 
 }
 
 Status CompoundFile::LoadStream(CfEntry& entry, uint32_t start, uint64_t size) {
+  // Sizes of 64 bits would not bear being rounded up.
+  if (size > static_cast<uint64_t>(fat_.size()) << shift_) return Damaged("a stream is cut short");
   auto stream = std::make_shared<CfStream>();
   stream->size_ = size;
   if (size >= kMiniCutoff) {

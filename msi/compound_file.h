@@ -133,6 +133,9 @@ class CompoundFile {
 
   // compound_commit.cc: writing it down
   Status WriteMini();
+  Status CompactMini();
+  Status MoveMini(uint32_t from, uint32_t to);
+  void CompactDirectory();
   std::string BuildDirectory();
   Status WriteDirectory();
   Status WriteTables(bool durable);

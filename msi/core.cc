@@ -1,6 +1,7 @@
 #include "msi/core.h"
 
 #include <algorithm>
+#include <set>
 
 #include "msi/stream_name.h"
 
@@ -32,6 +33,8 @@ void Core::Prepare() {
         pool_.AddUse(same, false);
         pool_.DropUse(cell, false);
         cell = same;
+        // The other one may be gone from the texts now, and its number given to a new one.
+        table->dirty = true;
       }
     }
     table->ForgetIndex();
@@ -43,11 +46,13 @@ void Core::RefreshStreams(Table& table) {
   for (Table::Row row = 0; row < table.row_end(); ++row) {
     if (table.Alive(row)) rows.emplace(TextOf(table, row, 0), row);
   }
+  std::set<std::string> names;
   for (const auto& [stored, entry] : file_->root().children) {
     if ((entry->stream != nullptr) != table.streams) continue;
     if (entry->stream && stored[0] == kTableStreamMark) continue;
     const std::string name = DecodeStreamName(stored);
-    if (rows.erase(name) != 0) continue;
+    // Of two stored names that say the same, which other writers may leave, one is shown.
+    if (!names.insert(name).second || rows.erase(name) != 0) continue;
     // A name that the code page does not have cannot be shown, and is kept.
     const Result<StringPool::Id> id = pool_.Intern(name);
     if (!id.ok()) continue;

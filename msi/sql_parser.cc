@@ -167,11 +167,14 @@ class Parser {
     if (!TakeWord("PRIMARY") || !TakeWord("KEY")) return false;
     std::vector<ColumnName> keys;
     if (!ParseColumns(&keys) || !Take(")")) return false;
+    // The key stands first: each of its columns changes places with the one that is where it belongs.
+    auto place = statement_.definitions.begin();
     for (const ColumnName& key : keys) {
-      const auto column = std::find_if(statement_.definitions.begin(), statement_.definitions.end(),
+      const auto column = std::find_if(place, statement_.definitions.end(),
                                        [&](const Column& c) { return c.name == key.column; });
       if (column == statement_.definitions.end()) return false;
       column->type |= kColumnKey;
+      std::iter_swap(column, place++);
     }
     // A table is temporary when all its columns are.
     statement_.temporary = std::all_of(statement_.definitions.begin(), statement_.definitions.end(),

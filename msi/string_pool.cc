@@ -117,7 +117,9 @@ void StringPool::Save(std::string* pool, std::string* data) const {
   pool->reserve(entries_.size() * 4);
   data->reserve(data_.size());
   AppendU32(*pool, static_cast<uint32_t>(code_page_) | (reference_bytes_ == 3 ? kLongReferences : 0));
-  for (size_t id = 1; id < entries_.size(); ++id) {
+  size_t end = entries_.size();
+  while (end > 1 && uses_[end - 1] == 0) --end;
+  for (size_t id = 1; id < end; ++id) {
     const Entry& entry = entries_[id];
     if (entry.data == nullptr || uses_[id] == 0) {
       AppendU32(*pool, 0);
@@ -331,6 +333,7 @@ void StringPool::Forget(Id id) {
 bool StringPool::WidenIfNeeded() {
   if (reference_bytes_ == 3 || entries_.size() <= 0x10000) return false;
   reference_bytes_ = 3;
+  dirty_ = true;
   return true;
 }
 

@@ -196,11 +196,14 @@ Status Core::SaveTable(Table& table) {
 }
 
 Status Core::SaveAll() {
-  const bool widened = pool_.WidenIfNeeded();
-  for (const auto& [name, table] : tables_) {
-    if (!table->temporary && (table->dirty || widened)) KW_RETURN_IF_ERROR(SaveTable(*table));
+  if (pool_.WidenIfNeeded()) {
+    // Remembered by the tables, so that after a failure the next attempt writes those that are left.
+    for (const auto& [name, table] : tables_) table->dirty = true;
   }
-  if (pool_.dirty() || widened || !file_->Find(StoredName("_StringPool"))) {
+  for (const auto& [name, table] : tables_) {
+    if (!table->temporary && table->dirty) KW_RETURN_IF_ERROR(SaveTable(*table));
+  }
+  if (pool_.dirty() || !file_->Find(StoredName("_StringPool"))) {
     std::string pool;
     std::string data;
     pool_.Save(&pool, &data);
