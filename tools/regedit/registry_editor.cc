@@ -38,7 +38,8 @@ Status Import(EmbeddedRegistry& registry, const std::string& path, const Machine
     std::string_view below = key.path;
     const auto hive = TakeHive(below);
     // A whole hive is never deleted, nor one that this machine does not have changed.
-    if (!hive || (below.empty() && key.deleted)) {
+    const bool is_whole = below.find_first_not_of('\\') == std::string_view::npos;
+    if (!hive || (is_whole && key.deleted)) {
       ++refused;
       continue;
     }

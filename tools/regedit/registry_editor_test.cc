@@ -91,6 +91,15 @@ TEST_F(RegistryEditor, AnImportSetsAndDeletesInBothHives) {
   EXPECT_EQ(Get(Hive::kLocalMachine, "SOFTWARE\\Y", "").Dword(0), 7u);
 }
 
+TEST_F(RegistryEditor, NoImportDeletesAWholeHiveHoweverItIsWritten) {
+  Set("X", "a", RegistryValue::OfDword(7));
+  for (const char* whole : {"HKEY_CURRENT_USER", "HKEY_CURRENT_USER\\", "hkey_current_user\\\\"}) {
+    Write("whole.reg", std::string("REGEDIT4\r\n[-") + whole + "]\r\n");
+    EXPECT_EQ(Do("regedit /s \"C:\\Temp Folder\\whole.reg\"").number(), kErrorInvalidData) << whole;
+    EXPECT_EQ(Get(Hive::kCurrentUser, "X", "a"), RegistryValue::OfDword(7)) << whole;
+  }
+}
+
 TEST_F(RegistryEditor, FailuresAreReported) {
   EXPECT_EQ(Do("regedit /s /e \"C:\\Temp Folder\\no.reg\" \"HKEY_CURRENT_USER\\None").number(),
             kErrorFileNotFound);
