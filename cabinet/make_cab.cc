@@ -35,6 +35,7 @@ Status FillJob(Storage& storage, const MachinePaths& paths, int code_page, Job& 
   }
   if (directives.files.empty()) return {kErrorInvalidData, "The directive file lists no file."};
   std::set<std::string> names;
+  std::map<std::string, std::string, LessNoCase> paths_listed;
   for (const Directives::File& file : directives.files) {
     const std::string host = paths.HostPath(file.path);
     if (!storage.Exists(host)) {
@@ -44,6 +45,12 @@ Status FillJob(Storage& storage, const MachinePaths& paths, int code_page, Job& 
     if (!names.insert(file.name).second) {
       return {kErrorAlreadyExists,
               "Line " + std::to_string(file.line) + ": the name " + file.name + " is listed twice."};
+    }
+    // What lay in two cabinet entries is one file in a folder, and would be packed as both.
+    const auto listed = paths_listed.emplace(file.path, file.path).first;
+    if (listed->second != file.path) {
+      return {kErrorAlreadyExists, "Line " + std::to_string(file.line) + ": the file " + file.path +
+                                       " is also listed as " + listed->second + "."};
     }
     job.files.push_back({host, file.name, std::nullopt});
   }

@@ -76,6 +76,18 @@ TEST_F(ProgramTest, AFailureLeavesNoCabinetNotEvenAnOldOne) {
   EXPECT_FALSE(There("drive_c/Temp/X.CAB"));
 }
 
+// Keys of an installer database that differ in case alone: both lines find the one file that there is.
+TEST_F(ProgramTest, OneFileIsNotPackedForTwoSpellingsOfItsPath) {
+  Make("drive_c/Temp/key", "content of one of them");
+  Make("drive_c/Temp/x.ddf",
+       ".Set CabinetNameTemplate=X.CAB\n\"C:\\Temp\\key\" \"key\"\n\"C:\\Temp\\KEY\" \"KEY\"\n");
+  const Status status = MakeCab({"/f", "x.ddf"});
+  EXPECT_EQ(status.message(), "Line 3: the file C:\\Temp\\KEY is also listed as C:\\Temp\\key.");
+  EXPECT_FALSE(There("drive_c/Temp/X.CAB"));
+  Make("drive_c/Temp/x.ddf", ".Set CabinetNameTemplate=X.CAB\nkey one\nkey two\n");
+  EXPECT_TRUE(MakeCab({"/f", "x.ddf"}).ok()) << "one spelling, two entries";
+}
+
 TEST_F(ProgramTest, WhatDoesNotFitIntoOneCabinetFailsAndLeavesNone) {
   Make("drive_c/Temp/a", Noise(300000));
   Make("drive_c/Temp/x.ddf", ".Set CabinetNameTemplate=X.CAB\n.Set MaxDiskSize=200000\na\n");
