@@ -46,6 +46,19 @@ Request ReadRequest(const std::vector<std::string>& arguments) {
   return request;
 }
 
+// Whether the cabinet is to blame, of which all that is sound shall come, and not the machine.
+bool IsFaultOfTheCabinet(const Status& failure) {
+  switch (failure.number()) {
+    case kErrorInvalidData:
+    case kErrorUnsupported:
+    case kErrorInvalidName:
+    case kErrorAlreadyExists:
+      return true;
+    default:
+      return false;
+  }
+}
+
 Result<std::string> Unpack(Storage& storage, const MachinePaths& paths, const Request& request,
                            int code_page) {
   const std::string folder = paths.HostPath(request.folder);
@@ -62,7 +75,10 @@ Result<std::string> Unpack(Storage& storage, const MachinePaths& paths, const Re
     count += fits ? 1 : 0;
     return fits;
   };
-  KW_RETURN_IF_ERROR(reader.Extract(sink, wanted));
+  const Status unpacked = reader.Extract(sink, wanted);
+  // Who does not ask how it ended must not take a part for the whole.
+  if (!unpacked.ok() && !IsFaultOfTheCabinet(unpacked)) sink.TakeBack();
+  KW_RETURN_IF_ERROR(unpacked);
   return std::to_string(count) + " file(s) unpacked.\n";
 }
 

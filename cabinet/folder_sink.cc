@@ -58,6 +58,7 @@ Status FolderSink::Write(std::span<const std::byte> data) {
 
 Status FolderSink::End(const CabinetEntry& entry, const Status& outcome) {
   Status status = outcome;
+  if (status.ok() && place_is_free_) made_.push_back(final_path_);
   if (status.ok() && file_ == nullptr && ForMaker()) {
     maker_->Add(entry, final_path_, std::move(for_maker_));
     for_maker_.clear();
@@ -77,6 +78,11 @@ Status FolderSink::End(const CabinetEntry& entry, const Status& outcome) {
 
 std::vector<EntryFailure> FolderSink::Settle() {
   return maker_ == nullptr ? std::vector<EntryFailure>() : maker_->Settle();
+}
+
+void FolderSink::TakeBack() {
+  for (const std::string& path : made_) storage_.Remove(path).IgnoreError();
+  made_.clear();
 }
 
 // Whether the present entry, if its content comes at once, is a file to be made together with others.

@@ -32,6 +32,8 @@ class FolderSink : public EntrySink {
   Status Write(std::span<const std::byte> data) override;
   Status End(const CabinetEntry& entry, const Status& outcome) override;
   std::vector<EntryFailure> Settle() override;
+  /// Removes the files that were made where nothing was, as far as that can be done. After Settle.
+  void TakeBack();
 
  private:
   Result<std::string> EnterFolder(const std::string& parent, const std::string& name);
@@ -49,6 +51,7 @@ class FolderSink : public EntrySink {
   std::string part_path_;   // of the file that is being written, which may be the final one
   std::string final_path_;  // of the present entry
   std::string final_folder_;
+  std::vector<std::string> made_;  // places where nothing was before
   uint64_t size_ = 0;           // of the present entry
   bool place_is_free_ = false;  // nothing is at final_path_
   uint64_t position_ = 0;

@@ -79,6 +79,10 @@ std::string ReadRegistryString(platform::Services& services, platform::Hive hive
 int RunAndWait(platform::Services& services, RunState& run, ui::FormHost& host,
                const std::string& command_line, platform::WindowStyle style);
 
+/// True for the result of RunAndWait when the program did not end by itself: a signal or an exception ended
+/// it.
+inline bool WasCutOff(int exit_code) { return exit_code > 128 || exit_code < -1; }
+
 }  // namespace kw
 
 #endif  // KITWRIGHT_PACKAGE_FILE_RULES_H_

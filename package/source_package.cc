@@ -75,11 +75,13 @@ Result<bool> HoldsVisibleEntries(platform::Services& services, const std::string
 
 bool IsWritableFolder(platform::Services& services, const std::string& folder) {
   const std::string path = folder + "\\write.txt";
-  if (services.files->FileExists(path)) return true;
+  const Result<bool> there = FileIsThere(services, path);
+  // A file that cannot be looked at may be the user's.
+  if (!there.ok() || *there) return there.ok();
   services.files->WriteFile(path, "").IgnoreError();
-  if (!services.files->FileExists(path)) return false;
+  const bool writable = services.files->FileExists(path);
   services.files->DeleteFile(path, false).IgnoreError();
-  return true;
+  return writable;
 }
 
 void ExtractSource(platform::Services& services, RunState& run, ui::FormHost& host,
@@ -154,9 +156,13 @@ Status ExtractCabinets(platform::Services& services, RunState& run, ui::FormHost
   KW_ASSIGN_OR_RETURN(const auto entries, services.files->List(cabinets));
   for (const platform::FileEntry& entry : entries) {
     if (BeginsWithDot(entry.name)) continue;
-    RunAndWait(services, run, host,
-               "CabArc X " + cabinets + "\\" + entry.name + " *.* " + run.CabDataFolder + "\\",
-               platform::WindowStyle::kHidden);
+    const int code = RunAndWait(
+        services, run, host, "CabArc X " + cabinets + "\\" + entry.name + " *.* " + run.CabDataFolder + "\\",
+        platform::WindowStyle::kHidden);
+    // What it says of the cabinet does not matter here; one that was cut off has said nothing.
+    if (WasCutOff(code)) {
+      return {kErrorFunctionFailed, "CabArc was ended before it had unpacked the package's files."};
+    }
   }
   return {};
 }

@@ -51,10 +51,11 @@ class Import {
   bool Unpack(const std::string& path) {
     EnterProgramFolder(services_);
     // The backslash that the tool needs follows the closing quote.
-    RunAndWait(services_, run_, context_.host, "CabArc X \"" + path + "\" *.* \"" + folder_ + "\"\\",
-               platform::WindowStyle::kHidden);
+    const int code =
+        RunAndWait(services_, run_, context_.host, "CabArc X \"" + path + "\" *.* \"" + folder_ + "\"\\",
+                   platform::WindowStyle::kHidden);
     if (context_.host.Ended()) return false;
-    if (files_.FileExists(folder_ + "\\KTE700.CFG")) return true;
+    if (!WasCutOff(code) && files_.FileExists(folder_ + "\\KTE700.CFG")) return true;
     Tell(
         "The provided cab file does not appear to contain Kestrane Enterprise settings.  Please choose a "
         "different cab file and try again.");

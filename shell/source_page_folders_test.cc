@@ -160,6 +160,14 @@ TEST_F(SourcePageFolders, AFileNamedWriteTxtSkipsTheWriteTest) {
   EXPECT_EQ(machine.files.Content("C:\\Out\\write.txt"), "mine");
 }
 
+TEST_F(SourcePageFolders, AFileNamedWriteTxtThatCannotBeLookedAtIsLeftAlone) {
+  machine.files.AddFile("C:\\Out\\write.txt", "mine");
+  machine.files.FailNext(platform::testing::FileOperation::kGetFile, "C:\\Out\\write.txt", kErrorIo);
+  machine.dialogs.answers = {Answer::kOk};
+  EXPECT_THAT(Next(), Contains(HasSubstr("message The folder \"C:\\Out\" is write-protected.")));
+  EXPECT_EQ(machine.files.Content("C:\\Out\\write.txt"), "mine");
+}
+
 TEST_F(SourcePageFolders, AnotherDestinationTakesBackTheOneThatTheRunMade) {
   page().DestinationDir.SetText("C:\\New");
   page().SourceDir.SetText("C:\\Damaged");

@@ -243,6 +243,16 @@ TEST_F(SourcePagePackage, AFailureThatNoRuleProvidesForIsToldAndTheNextAttemptSt
   EXPECT_TRUE(Opened());
 }
 
+TEST_F(SourcePagePackage, AnUnpackingToolThatIsCutOffIsToldAndWhatItSaysOfACabinetIsNot) {
+  machine.processes.On("CabArc X", 128 + 9);
+  EXPECT_THAT(Next(), Contains(HasSubstr("CabArc was ended before it had unpacked the package's files.")));
+  EXPECT_FALSE(Opened());
+  EXPECT_THAT(TempFiles(), IsEmpty());
+  machine.processes.On("CabArc X", 1);
+  Next();
+  EXPECT_TRUE(Opened());
+}
+
 TEST_F(SourcePagePackage, TheFolderOfARunThatWasKilledIsNotTakenForThisRunsOwn) {
   const std::string left = NewTempPath(machine.services, run);
   machine.files.AddFile(left + "\\Kte710.msi", "of the run before");

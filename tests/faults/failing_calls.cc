@@ -5,6 +5,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <spawn.h>
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/random.h>
@@ -323,6 +324,25 @@ LOOK(fstatat64, folder, (int folder, const char* path, struct stat64* info, int 
      (folder, path, info, flags))
 LOOK_OPEN(fstat, struct stat)
 LOOK_OPEN(fstat64, struct stat64)
+
+ON_PATH(kLook, access, AT_FDCWD, (const char* path, int how), (path, how))
+ON_PATH(kLook, chdir, AT_FDCWD, (const char* path), (path))
+
+// Programs count wherever they lie: those beside the wizard as if they lay below the root.
+int posix_spawn(pid_t* child, const char* path, const posix_spawn_file_actions_t* actions,
+                const posix_spawnattr_t* attributes, char* const arguments[], char* const environment[]) {
+  NEXT(posix_spawn);
+  Turn turn = Turn::kGoOn;
+  if (FaultPlan* const plan = PlanFor(kw::faults::kStart)) {
+    char shown[PATH_MAX];
+    const char* const name = std::strrchr(path, '/');
+    std::snprintf(shown, sizeof shown, "%sprograms/%s", plan->root, name == nullptr ? path : name + 1);
+    const bool below = std::strncmp(path, plan->root, std::strlen(plan->root)) == 0;
+    turn = TurnOf(kw::faults::kStart, "posix_spawn", below ? path : shown);
+  }
+  return turn == Turn::kFail ? errno
+                             : Made(turn, next(child, path, actions, attributes, arguments, environment));
+}
 
 DIR* opendir(const char* path) {
   NEXT(opendir);

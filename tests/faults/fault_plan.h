@@ -24,14 +24,15 @@ enum CallKind : uint32_t {
   kLook = 1U << 11,
   kList = 1U << 12,
   kLock = 1U << 13,
+  kStart = 1U << 14,
 };
-constexpr uint32_t kAllCalls = (1U << 14) - 1;
+constexpr uint32_t kAllCalls = (1U << 15) - 1;
 /// The calls that a signal may interrupt.
 constexpr uint32_t kInterruptibleCalls =
     kOpenToRead | kOpenToWrite | kRead | kWrite | kSync | kResize | kLock | kClose;
 /// The calls that may be denied.
 constexpr uint32_t kDeniedCalls =
-    kOpenToRead | kOpenToWrite | kRename | kRemove | kMakeFolder | kAttributes | kList | kLook;
+    kOpenToRead | kOpenToWrite | kRename | kRemove | kMakeFolder | kAttributes | kList | kLook | kStart;
 /// The calls after which the disk is another.
 constexpr uint32_t kChangingCalls =
     kOpenToWrite | kWrite | kRename | kRemove | kMakeFolder | kAttributes | kResize;

@@ -121,7 +121,10 @@ bool Outcome::Says(const std::string& text) const {
 std::vector<std::string> Outcome::Boxes() const {
   std::vector<std::string> boxes;
   for (const std::string& line : told) {
-    if (line.starts_with("message") || line.starts_with("question")) boxes.push_back(line);
+    const bool asks_for_the_folder = line.starts_with("question The destination folder") &&
+                                     line.find("does not exist.") != std::string::npos;
+    if (line.starts_with("message") || (line.starts_with("question") && !asks_for_the_folder))
+      boxes.push_back(line);
   }
   return boxes;
 }

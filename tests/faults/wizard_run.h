@@ -37,7 +37,7 @@ struct Outcome {
       told;  ///< transcript lines since the build began: messages, questions, pages, prints
   bool Killed() const;
   bool Says(const std::string& text) const;  ///< some line holds the text
-  /// Messages and questions alone.
+  /// Messages and questions alone, but for the one whether the destination shall be made.
   std::vector<std::string> Boxes() const;
 };
 

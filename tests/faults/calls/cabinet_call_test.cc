@@ -1,6 +1,6 @@
 // The same for cabinets: each call of the tools that make and unpack them. A cabinet is the old one,
-// none, or the new one whole; after an error a file that was unpacked is whole or not there; and success is
-// claimed for nothing less.
+// none, or the new one whole; after an error all files are there that were in a cabinet or none; and success
+// is claimed for nothing less.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -131,7 +131,7 @@ TEST_F(CabinetCallTest, ACabinetIsTheOldOneOrNoneOrTheNewOne) {
   }
 }
 
-TEST_F(CabinetCallTest, AFileIsUnpackedWholeOrTheFailureIsTold) {
+TEST_F(CabinetCallTest, AllFilesAreUnpackedOrNoneAndTheFailureIsTold) {
   ResetPack();
   ASSERT_TRUE(Pack({}, 0, "out").success);
   fs::rename(folder_ / "out/t.cab", folder_ / "good.cab");
@@ -154,8 +154,7 @@ TEST_F(CabinetCallTest, AFileIsUnpackedWholeOrTheFailureIsTold) {
         EXPECT_TRUE(ending.success || !kind.must_work);
         EXPECT_TRUE(!ending.success || Files("to") == good) << "success was claimed wrongly";
         if (ending.killed || kind.forever) continue;
-        for (const auto& [name, bytes] : Files("to"))
-          EXPECT_TRUE(good.contains(name) && good.at(name) == bytes);
+        EXPECT_TRUE(ending.success || Files("to").empty()) << "a part could be taken for the whole";
         EXPECT_EQ(Bytes("good.cab"), cabinet);
       }
     }
