@@ -184,7 +184,10 @@ Result<std::string> Utf8ToCodePage(std::string_view utf8, int code_page) {
     }
     return 0;
   };
-  if (!converter->Convert(utf8, out, open_byte)) {
+  // For this page the system's converter puts characters that look alike in place of some that the page
+  // lacks, a backslash for the yen sign among them.
+  const auto replaced = [&] { return code_page == 932 && CodePageToUtf8(out, code_page) != utf8; };
+  if (!converter->Convert(utf8, out, open_byte) || replaced()) {
     return {kErrorUnrepresentableText, "The text \"" + std::string(utf8) +
                                            "\" holds a character that code page " +
                                            std::to_string(code_page) + " does not have."};

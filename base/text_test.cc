@@ -24,6 +24,14 @@ TEST(Text, TextThatACodePageCannotHoldIsRefused) {
   EXPECT_EQ(Utf8ToCodePage("\xC3\xA4", 0).number(), kErrorUnrepresentableText);
 }
 
+TEST(Text, ACharacterIsNotReplacedByOneThatLooksAlike) {
+  // The yen sign, the overline, the minus sign and the wave dash have no place of their own there.
+  for (const char* text : {"\xC2\xA5", "\xE2\x80\xBE", "\xE2\x88\x92", "\xE3\x80\x9C"}) {
+    EXPECT_EQ(Utf8ToCodePage(text, 932).number(), kErrorUnrepresentableText) << text;
+  }
+  EXPECT_EQ(*Utf8ToCodePage("\xEF\xBF\xA5\xEF\xBD\x9E", 932), "\x81\x8F\x81\x60");
+}
+
 TEST(Text, CodePageTextComesBackAsUtf8) {
   EXPECT_EQ(CodePageToUtf8("\xE4", 1252), "\xC3\xA4");
   EXPECT_EQ(CodePageToUtf8("\x93\xFA", 932), "\xE6\x97\xA5");

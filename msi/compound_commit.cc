@@ -3,10 +3,10 @@
 #include <functional>
 #include <utility>
 
-#include "base/text.h"
 #include "msi/bytes.h"
 #include "msi/compound_file.h"
 #include "msi/compound_layout.h"
+#include "msi/stream_name.h"
 
 // Writing a state down: small streams, their table, the directory, the sector table and its list all go to
 // sectors that the committed state does not use; one write of the header makes them the file.
@@ -20,23 +20,9 @@ using namespace layout;
 constexpr size_t kMiniSlack = 64;
 constexpr size_t kEntrySlack = 64;
 
-// The order of siblings: shorter names first, then by upper-case characters.
-std::u16string SortKey(const std::u16string& name) {
-  const bool ascii =
-      std::all_of(name.begin(), name.end(), [](char16_t c) { return c < 0x80 || c >= 0x3800; });
-  std::u16string key = name;
-  if (ascii) {
-    for (char16_t& c : key) {
-      if (c >= 'a' && c <= 'z') c = static_cast<char16_t>(c - 'a' + 'A');
-    }
-  } else {
-    key = Utf8ToUtf16(ToUpper(Utf16ToUtf8(name)));
-  }
-  return key;
-}
-
-// Links sorted siblings into a balanced tree. Every level but an incomplete last one is black, which keeps
-// the number of black entries on all ways down equal.
+// The order of siblings is shorter names first, then by upper-case characters. Links sorted siblings into a
+// balanced tree. Every level but an incomplete last one is black, which keeps the number of black entries on
+// all ways down equal.
 uint32_t LinkSiblings(const std::vector<const CfEntry*>& sorted, size_t first, size_t last, size_t depth,
                       size_t red_depth, std::string& bytes) {
   if (first >= last) return kNoEntry;
@@ -51,7 +37,7 @@ uint32_t LinkSiblings(const std::vector<const CfEntry*>& sorted, size_t first, s
 uint32_t LinkChildren(const CfEntry& parent, std::string& bytes) {
   std::vector<std::pair<std::u16string, const CfEntry*>> keyed;
   keyed.reserve(parent.children.size());
-  for (const auto& [name, child] : parent.children) keyed.emplace_back(SortKey(name), child.get());
+  for (const auto& [name, child] : parent.children) keyed.emplace_back(WithoutCase(name), child.get());
   std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
     if (a.first.size() != b.first.size()) return a.first.size() < b.first.size();
     return a.first != b.first ? a.first < b.first : a.second->name < b.second->name;

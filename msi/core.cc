@@ -97,6 +97,47 @@ Result<std::u16string> Core::StreamName(const Table& table, std::span<const Cell
   return EncodeStreamName(name, false);
 }
 
+Status Core::CheckNewStream(const Table& table, const std::u16string& name) const {
+  const auto& children = file_->root().children;
+  if (children.count(name) != 0) {
+    // What no row has is a leftover, which the new stream replaces.
+    if (!table.streams && StreamHasRow(table, name)) {
+      return {kErrorInvalidName,
+              "The stream \"" + DecodeStreamName(name) + "\" belongs to another row already."};
+    }
+    return {};
+  }
+  if (!HasCase(name)) return {};
+  const std::u16string key = WithoutCase(name);
+  for (const auto& [stored, entry] : children) {
+    if (stored.size() != name.size() || WithoutCase(stored) != key) continue;
+    return {kErrorInvalidName,
+            "The stream name \"" + DecodeStreamName(name) + "\" differs from another one in case alone."};
+  }
+  return {};
+}
+
+Status Core::CheckNewStream(const Table& table, Table::Row row) const {
+  KW_ASSIGN_OR_RETURN(const std::u16string name, StreamName(table, CellsOf(table, row)));
+  return CheckNewStream(table, name);
+}
+
+bool Core::StreamHasRow(const Table& but, const std::u16string& name) const {
+  for (const auto& [table_name, table] : tables_) {
+    // A table that is about to be replaced by one of its name does not count.
+    if (table->temporary || (table_name == but.name() && table.get() != &but)) continue;
+    for (size_t i = 0; i < table->columns().size(); ++i) {
+      if (!table->columns()[i].is_stream() || table->columns()[i].is_temporary()) continue;
+      for (Table::Row row = 0; row < table->row_end(); ++row) {
+        if (!table->Alive(row) || table->TemporaryRow(row)) continue;
+        if (table->Get(row, static_cast<int>(i)) == kNullCell) continue;
+        if (StreamName(*table, CellsOf(*table, row)).value_or(u"") == name) return true;
+      }
+    }
+  }
+  return false;
+}
+
 std::shared_ptr<CfStream> Core::StreamOf(const Table& table, Table::Row row, int column) const {
   if (table.Get(row, column) == kNullCell) return nullptr;
   if (table.TemporaryCell(row, column) && !table.streams) {

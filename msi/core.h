@@ -63,6 +63,10 @@ class Core : public std::enable_shared_from_this<Core> {
   std::shared_ptr<CfStream> StreamOf(const Table& table, Table::Row row, int column) const;
   /// The name of the stream of a row, as the file keeps it.
   Result<std::u16string> StreamName(const Table& table, std::span<const Cell> cells) const;
+  /// Whether a row of `table` that has no stream yet may get one of this stored name. Fails with
+  /// kErrorInvalidName when another row's stream has it already, or one that differs in case alone.
+  Status CheckNewStream(const Table& table, const std::u16string& name) const;
+  Status CheckNewStream(const Table& table, Table::Row row) const;
   /// The content of a cell for a record.
   Value ValueOf(const Table& table, Table::Row row, int column);
   /// The text of an integer or text cell; "" for null and for streams.
@@ -83,6 +87,7 @@ class Core : public std::enable_shared_from_this<Core> {
   Status SaveTable(Table& table);
   Status SaveAll();
   Status AppendCatalogue(const Table& table, size_t first_column);
+  bool StreamHasRow(const Table& but, const std::u16string& name) const;
   void DropRows(Table& table);
   /// Deletes the rows of `catalogue`, _Tables or _Columns, that belong to `table`.
   void DropCatalogueRows(Table& catalogue, const std::string& table);

@@ -109,9 +109,11 @@ Result<RowStreams> StreamsFor(Core& core, const Table& table, const std::vector<
   RowStreams streams;
   for (size_t i = 0; i < cells.size(); ++i) {
     if (!table.columns()[i].is_stream() || cells[i] == kNullCell) continue;
-    Status status = core.StreamName(table, cells).status();
+    const bool held = !table.streams && (temporary || table.temporary || table.columns()[i].is_temporary());
+    const Result<std::u16string> name = core.StreamName(table, cells);
+    Status status = name.status();
+    if (status.ok() && !held) status = core.CheckNewStream(table, *name);
     if (status.ok()) {
-      const bool held = !table.streams && (temporary || table.temporary || table.columns()[i].is_temporary());
       Result<std::shared_ptr<CfStream>> stream = CopyStream(core, *by_column[i]->stream, held);
       status = stream.status();
       if (stream.ok()) streams[static_cast<int>(i)] = *std::move(stream);
@@ -275,13 +277,17 @@ Status UpdateRows(Core& core, Table& table, const std::vector<Assignment>& value
       continue;
     for (const Table::Row row : rows) {
       if (SameStream(core, table, row, change.column, *change.value)) continue;
-      Result<std::shared_ptr<CfStream>> stream =
-          CopyStream(core, *change.value->stream, !table.streams && table.TemporaryCell(row, change.column));
-      if (!stream.ok()) {
-        for (NewStream& made : streams) core.file().Discard(std::move(made.stream));
-        return stream.status();
+      const bool held = !table.streams && table.TemporaryCell(row, change.column);
+      Status status;
+      if (!held && table.Get(row, change.column) == kNullCell) status = core.CheckNewStream(table, row);
+      if (status.ok()) {
+        Result<std::shared_ptr<CfStream>> stream = CopyStream(core, *change.value->stream, held);
+        status = stream.status();
+        if (stream.ok()) streams.push_back({row, change.column, *std::move(stream)});
       }
-      streams.push_back({row, change.column, *std::move(stream)});
+      if (status.ok()) continue;
+      for (NewStream& made : streams) core.file().Discard(std::move(made.stream));
+      return status;
     }
   }
   // The last use of a text in one column may go before its first use in another comes.

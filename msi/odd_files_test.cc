@@ -133,6 +133,112 @@ TEST_F(OddFileTest, SpaceOfSmallStreamsIsGivenBack) {
   EXPECT_EQ(QueryRows(*db, "select * from `Binary`"), (Rows{{"small2999", std::string(4000, 's')}}));
 }
 
+TEST_F(OddFileTest, GivingSpaceOfSmallStreamsBackLeavesTheOldOrTheNewDatabaseWhereverItFails) {
+  MakePackage();
+  for (int i = 0; i < 40; ++i) {
+    storage.Content("small") =
+        std::string(static_cast<size_t>(100 + 37 * i), static_cast<char>('a' + i % 26));
+    KW_EXPECT_OK(RunSql(*db, "insert into `Binary` (`Name`, `Data`) values (?, ?)",
+                        {T(Numbered("small", i)), FileValue(storage, "small")}));
+  }
+  KW_EXPECT_OK(db->Commit());
+  const std::string old_dump = Dump(*db);
+  db.reset();
+  const std::string original = storage.Content("a.msi");
+  FaultyStorage faulty(storage);
+  std::string new_dump;
+  for (const auto fault :
+       {FaultyStorage::Fault::kFail, FaultyStorage::Fault::kShortWrite, FaultyStorage::Fault::kKill}) {
+    bool failed = true;
+    for (int call = 1; failed; ++call) {
+      ASSERT_LT(call, 200);
+      storage.Content("a.msi") = original;
+      auto database = Get(Database::Open(faulty, "a.msi", OpenMode::kTransact));
+      const auto reader = Get(database->OpenView("select `Data` from `Binary` where `Name` = 'small39'"));
+      KW_EXPECT_OK(reader->Execute(nullptr));
+      std::optional<Record> record = Get(reader->Fetch());
+      for (int i = 0; i < 36; ++i) {
+        KW_EXPECT_OK(RunSql(*database, "delete from `Binary` where `Name` = ?", {T(Numbered("small", i))}));
+      }
+      new_dump = Dump(*database);
+      faulty.Arm(fault, call, kErrorDiskFull, false);
+      failed = !database->Commit().ok();
+      const bool lost = faulty.failed_sync() || fault == FaultyStorage::Fault::kKill;
+      {
+        const auto read_only = Get(Database::Open(storage, "a.msi", OpenMode::kReadOnly));
+        const std::string dump = Dump(*read_only);
+        EXPECT_TRUE(dump == new_dump || (failed && dump == old_dump)) << call;
+      }
+      faulty.Disarm();
+      EXPECT_EQ(Get(record->ReadStream(1, 10000)),
+                std::string(100 + 37 * 39, static_cast<char>('a' + 39 % 26)));
+      EXPECT_EQ(Dump(*database), new_dump) << call;
+      if (failed && !lost) KW_EXPECT_OK(database->Commit());
+      database.reset();
+      if (!lost) {
+        EXPECT_EQ(Dump(*Get(Database::Open(storage, "a.msi", OpenMode::kReadOnly))), new_dump) << call;
+      }
+    }
+  }
+}
+
+TEST_F(OddFileTest, NoStreamTakesThePlaceOfAnotherRows) {
+  for (const char* sql :
+       {"create table `T` (`K` char(9) not null, `L` char(9) not null, `D` object primary key `K`, `L`)",
+        "create table `T.x` (`K` char(9) not null, `D` object primary key `K`)"}) {
+    KW_EXPECT_OK(RunSql(*db, sql));
+  }
+  storage.Content("one") = "one";
+  storage.Content("two") = "two";
+  const Value one = FileValue(storage, "one");
+  const Value two = FileValue(storage, "two");
+  KW_EXPECT_OK(RunSql(*db, "insert into `T` (`K`, `L`, `D`) values ('x', 'y.z', ?)", {one}));
+  // All of these would be called T.x.y.z in the file.
+  EXPECT_EQ(RunSql(*db, "insert into `T` (`K`, `L`, `D`) values ('x.y', 'z', ?)", {two}).number(),
+            kErrorInvalidName);
+  EXPECT_EQ(RunSql(*db, "insert into `T.x` (`K`, `D`) values ('y.z', ?)", {two}).number(), kErrorInvalidName);
+  KW_EXPECT_OK(RunSql(*db, "insert into `T.x` (`K`) values ('y.z')"));
+  EXPECT_EQ(RunSql(*db, "update `T.x` set `D` = ?", {two}).number(), kErrorInvalidName);
+  EXPECT_EQ(QueryRows(*db, "select * from `T`"), (Rows{{"x", "y.z", "one"}}));
+  EXPECT_EQ(QueryRows(*db, "select * from `T.x`"), (Rows{{"y.z", ""}}));
+  KW_EXPECT_OK(RunSql(*db, "update `T` set `D` = ?", {two}));
+  KW_EXPECT_OK(RunSql(*db, "delete from `T`"));
+  KW_EXPECT_OK(RunSql(*db, "update `T.x` set `D` = ?", {one}));
+  // What no row has may be replaced.
+  KW_EXPECT_OK(RunSql(*db, "delete from `T.x`"));
+  KW_EXPECT_OK(RunSql(*db, "insert into `_Streams` (`Name`, `Data`) values ('T.x.y', ?)", {one}));
+  KW_EXPECT_OK(RunSql(*db, "insert into `T` (`K`, `L`, `D`) values ('x', 'y', ?)", {two}));
+  Cycle();
+  EXPECT_EQ(QueryRows(*db, "select * from `T`"), (Rows{{"x", "y", "two"}}));
+}
+
+TEST_F(OddFileTest, StreamNamesThatOtherReadersCannotTellApartAreRefused) {
+  MakePackage();
+  KW_EXPECT_OK(db->SetCodePage(65001));
+  storage.Content("in") = "content";
+  const auto insert = [&](const char* table, const std::string& name) {
+    const std::string sql = "insert into `" + std::string(table) + "` (`Name`, `Data`) values (?, ?)";
+    return RunSql(*db, sql, {T(name), FileValue(storage, "in")}).number();
+  };
+  EXPECT_EQ(insert("Binary", "a"), 0);
+  EXPECT_EQ(insert("Binary", "A"), 0);  // packed, and so no letters any more
+  EXPECT_EQ(insert("Binary", "\xC3\xA4"), 0);
+  EXPECT_EQ(insert("Binary", "\xC3\x84"), kErrorInvalidName);
+  EXPECT_EQ(insert("_Streams", "\x05Own"), 0);
+  EXPECT_EQ(insert("_Streams", "\x05OWN"), kErrorInvalidName);
+  // The summary information's and its like are no names for tables.
+  EXPECT_EQ(RunSql(*db, "create table `\x05Own` (`K` char(9) not null primary key `K`)").number(),
+            kErrorInvalidName);
+  EXPECT_EQ(QueryRows(*db, "select `Name` from `Binary`"), (Rows{{"a"}, {"A"}, {"\xC3\xA4"}}));
+}
+
+TEST_F(OddFileTest, EntriesAreOrderedByTheirCapitalsInEveryScript) {
+  // Wide Latin letters: a in the small form, B in the large one.
+  EXPECT_LT(WithoutCase(u"\uFF41"), WithoutCase(u"\uFF22"));
+  EXPECT_EQ(WithoutCase(u"\u3841\u4841a"), u"\u3841\u4841A");
+  EXPECT_FALSE(HasCase(Get(EncodeStreamName("Binary.Name", false))));
+}
+
 TEST_F(OddFileTest, TheKeyStandsFirst) {
   KW_EXPECT_OK(RunSql(*db,
                       "CREATE TABLE `T` (`B` SHORT NOT NULL, `C` SHORT NOT NULL, `A` CHAR(255), `E` INT, "

@@ -1,5 +1,7 @@
 #include "msi/stream_name.h"
 
+#include <algorithm>
+
 #include "base/text.h"
 
 namespace kw::msi {
@@ -17,6 +19,11 @@ int SixBits(char16_t c) {
   if (c == '_') return 63;
   return -1;
 }
+
+// Characters beyond ASCII that are not packed ones.
+bool IsForeign(char16_t c) { return c >= 0x80 && (c < kPairs || c > kTableStreamMark); }
+
+bool IsLetter(char16_t c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
 char CharacterOf(int six_bits) {
   static constexpr char kCharacters[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz._";
@@ -49,10 +56,26 @@ Result<std::u16string> EncodeStreamName(std::string_view name, bool is_table) {
   }
   if (stored.size() > kMaxStoredName)
     return {kErrorInvalidName, "The name \"" + std::string(name) + "\" is too long for a stream."};
-  if (wide.empty() || stored.find(u'\0') != std::u16string::npos) {
+  const bool plain_table = is_table && !wide.empty() && wide[0] < 0x20;
+  if (wide.empty() || plain_table || stored.find(u'\0') != std::u16string::npos) {
     return {kErrorInvalidName, "The name \"" + std::string(name) + "\" cannot be the name of a stream."};
   }
   return stored;
+}
+
+bool HasCase(std::u16string_view stored) {
+  return std::any_of(stored.begin(), stored.end(), [](char16_t c) { return IsForeign(c) || IsLetter(c); });
+}
+
+std::u16string WithoutCase(const std::u16string& stored) {
+  if (std::any_of(stored.begin(), stored.end(), IsForeign)) {
+    return Utf8ToUtf16(ToUpper(Utf16ToUtf8(stored)));
+  }
+  std::u16string key = stored;
+  for (char16_t& c : key) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char16_t>(c - 'a' + 'A');
+  }
+  return key;
 }
 
 std::string DecodeStreamName(std::u16string_view stored) {
