@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "cabinet/cabinet_reader.h"
 #include "cabinet/entry_name.h"
+#include "cabinet/entry_splitter.h"
 #include "cabinet/folder_sink.h"
 
 namespace kw::cabinet {
@@ -44,19 +45,6 @@ Request ReadRequest(const std::vector<std::string>& arguments) {
     }
   }
   return request;
-}
-
-// Whether the cabinet is to blame, of which all that is sound shall come, and not the machine.
-bool IsFaultOfTheCabinet(const Status& failure) {
-  switch (failure.number()) {
-    case kErrorInvalidData:
-    case kErrorUnsupported:
-    case kErrorInvalidName:
-    case kErrorAlreadyExists:
-      return true;
-    default:
-      return false;
-  }
 }
 
 Result<std::string> Unpack(Storage& storage, const MachinePaths& paths, const Request& request,

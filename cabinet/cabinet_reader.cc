@@ -153,11 +153,10 @@ Status CabinetReader::Extract(EntrySink& sink, const Wanted& wanted, unsigned th
   Status first_failure;
   for (size_t i = 0; i < by_folder.size(); ++i) {
     if (by_folder[i].empty()) continue;
-    const Status status = ExtractFolder(i, by_folder[i], sink, threads);
-    if (first_failure.ok()) first_failure = status;
+    KeepFailure(first_failure, ExtractFolder(i, by_folder[i], sink, threads));
   }
   for (const EntryFailure& late : sink.Settle()) {
-    if (first_failure.ok()) first_failure = EntryError(late.entry, path_, late.status);
+    KeepFailure(first_failure, EntryError(late.entry, path_, late.status));
   }
   return first_failure;
 }

@@ -73,7 +73,7 @@ class CabinetReader {
   using Wanted = std::function<bool(const CabinetEntry&)>;
   /// Unpacks the entries that `wanted` (all when empty) picks, folder by folder, with `threads` threads (0:
   /// one for each processor). An entry that fails does not keep the others from coming; the first failure,
-  /// which names its entry, is the result.
+  /// which names its entry, is the result, but one of the machine goes before those of the cabinet.
   Status Extract(EntrySink& sink, const Wanted& wanted = {}, unsigned threads = 0);
 
  private:

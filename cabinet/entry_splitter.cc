@@ -8,12 +8,28 @@ Status EntryError(const std::string& entry, const std::string& cabinet, const St
   return {failure.number(), "Could not unpack \"" + entry + "\" from " + cabinet + ": " + failure.message()};
 }
 
+bool IsFaultOfTheCabinet(const Status& failure) {
+  switch (failure.number()) {
+    case kErrorInvalidData:
+    case kErrorUnsupported:
+    case kErrorInvalidName:
+    case kErrorAlreadyExists:
+      return true;
+    default:
+      return false;
+  }
+}
+
+void KeepFailure(Status& kept, const Status& next) {
+  if (next.ok()) return;
+  if (kept.ok() || (IsFaultOfTheCabinet(kept) && !IsFaultOfTheCabinet(next))) kept = next;
+}
+
 EntrySplitter::EntrySplitter(std::string cabinet, std::vector<const CabinetEntry*> entries, EntrySink& sink)
     : cabinet_(std::move(cabinet)), entries_(std::move(entries)), sink_(sink) {}
 
 void EntrySplitter::Fail(const CabinetEntry& entry, const Status& failure) {
-  if (!first_failure_.ok()) return;
-  first_failure_ = EntryError(entry.name, cabinet_, failure);
+  KeepFailure(first_failure_, EntryError(entry.name, cabinet_, failure));
 }
 
 void EntrySplitter::Take(std::span<const std::byte> data) {

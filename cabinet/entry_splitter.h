@@ -12,6 +12,11 @@ namespace kw::cabinet {
 /// `failure` of an entry of `cabinet`, in a sentence that names both.
 Status EntryError(const std::string& entry, const std::string& cabinet, const Status& failure);
 
+/// Whether the cabinet is to blame, of which all that is sound shall come, and not the machine.
+bool IsFaultOfTheCabinet(const Status& failure);
+/// Makes `kept` tell of the first failure, but of the machine's before those of the cabinet.
+void KeepFailure(Status& kept, const Status& next);
+
 /// Hands the unpacked stream of one folder to a sink, entry by entry. The entries are those wanted, ordered
 /// by offset and not overlapping.
 class EntrySplitter {
@@ -24,7 +29,7 @@ class EntrySplitter {
   void Finish(const Status& outcome);
   /// True when no entry is left.
   bool done() const { return next_ == entries_.size(); }
-  /// The first failure of any entry.
+  /// The failure of any entry that KeepFailure prefers.
   const Status& first_failure() const { return first_failure_; }
 
  private:

@@ -23,11 +23,7 @@ FolderSink::~FolderSink() { DropPart(); }
 
 Status FolderSink::Begin(const CabinetEntry& entry) {
   KW_ASSIGN_OR_RETURN(const std::vector<std::string> parts, SafeParts(entry.name));
-  std::string key;
-  for (const std::string& part : parts) key.append("\\").append(ToUpper(part));
-  if (written_.contains(key)) {
-    return {kErrorAlreadyExists, "another file of the cabinet has that name."};
-  }
+  KW_ASSIGN_OR_RETURN(std::string key, TakeName(parts));
   final_folder_ = folder_;
   for (size_t i = 0; i + 1 < parts.size(); ++i) {
     KW_ASSIGN_OR_RETURN(final_folder_, EnterFolder(final_folder_, parts[i]));
@@ -88,6 +84,22 @@ void FolderSink::TakeBack() {
 // Whether the present entry, if its content comes at once, is a file to be made together with others.
 bool FolderSink::ForMaker() const {
   return maker_ != nullptr && place_is_free_ && size_ <= FileMaker::kLargest;
+}
+
+// The name of an entry as it counts for others; fails when one of them has it, or has one of its folders'
+// names.
+Result<std::string> FolderSink::TakeName(const std::vector<std::string>& parts) {
+  std::string key;
+  bool taken = false;
+  for (const std::string& part : parts) {
+    if (!key.empty()) entered_.insert(key);
+    key.append("\\").append(ToUpper(part));
+    taken |= written_.contains(key);
+  }
+  if (taken || entered_.contains(key)) {
+    return {kErrorAlreadyExists, "another file of the cabinet has that name."};
+  }
+  return key;
 }
 
 Result<std::string> FolderSink::EnterFolder(const std::string& parent, const std::string& name) {

@@ -36,6 +36,7 @@ class FolderSink : public EntrySink {
   void TakeBack();
 
  private:
+  Result<std::string> TakeName(const std::vector<std::string>& parts);
   Result<std::string> EnterFolder(const std::string& parent, const std::string& name);
   Result<FolderNames*> NamesIn(const std::string& folder);
   bool ForMaker() const;
@@ -47,13 +48,14 @@ class FolderSink : public EntrySink {
   std::string folder_;
   std::unordered_map<std::string, FolderNames> names_;  // by host folder; those in it are no links
   std::unordered_set<std::string> written_;             // entry names in upper case
+  std::unordered_set<std::string> entered_;             // and those of the folders in them
   std::unique_ptr<StorageFile> file_;
   std::string part_path_;   // of the file that is being written, which may be the final one
   std::string final_path_;  // of the present entry
   std::string final_folder_;
   std::vector<std::string> made_;  // places where nothing was before
-  uint64_t size_ = 0;           // of the present entry
-  bool place_is_free_ = false;  // nothing is at final_path_
+  uint64_t size_ = 0;              // of the present entry
+  bool place_is_free_ = false;     // nothing is at final_path_
   uint64_t position_ = 0;
   std::unique_ptr<FileMaker> maker_;  // when files are made together
   std::vector<std::byte> for_maker_;  // the whole content of the present entry, unless it has a file_

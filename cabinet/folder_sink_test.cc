@@ -97,6 +97,27 @@ TEST_F(FolderSinkTest, TwoEntriesOfOneNameAreNotMixedUp) {
   EXPECT_EQ(FilesIn("out"), 1u);
 }
 
+TEST_F(FolderSinkTest, OneNameIsNotAFileAndAFolder) {
+  for (const bool file_first : {true, false}) {
+    std::vector<std::pair<std::string, std::string>> entries = {
+        {"Name", "file"}, {"NAME\\sub\\x", "below"}, {"other\\x", "other"}};
+    if (!file_first) std::swap(entries[0], entries[1]);
+    ASSERT_TRUE(Pack("t.cab", entries).ok());
+    for (const auto making : {FolderSink::Making::kOneByOne, FolderSink::Making::kTogether}) {
+      std::filesystem::remove_all(folder_ / "out");
+      std::filesystem::create_directories(folder_ / "out");
+      auto reader = CabinetReader::Open(SystemStorage(), Host("t.cab"), 1252);
+      FolderSink sink(SystemStorage(), Host("out"), making);
+      const Status status = reader->Extract(sink);
+      EXPECT_EQ(status.number(), kErrorAlreadyExists);
+      EXPECT_THAT(status.message(), HasSubstr('"' + entries[1].first + '"'));
+      EXPECT_EQ(Content(file_first ? "out/Name" : "out/NAME/sub/x"), entries[0].second);
+      EXPECT_EQ(Content("out/other/x"), "other");
+      EXPECT_EQ(FilesIn("out"), 2u);
+    }
+  }
+}
+
 TEST_F(FolderSinkTest, ADamagedEntryLeavesNoFileAndKeepsTheOldOne) {
   ASSERT_TRUE(Pack("t.cab", {{"a", Noise(100000)}}).ok());
   std::string bytes = Content("t.cab");

@@ -2,13 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include "base/testing/faulty_storage.h"
 #include "cabinet/cab_arc.h"
 #include "cabinet/test_support.h"
 
 namespace kw::cabinet {
 namespace {
 
-using testing::HasSubstr;
+using ::testing::HasSubstr;
 
 // Both programs on a machine of their own.
 class ProgramTest : public CabinetFolderTest {
@@ -130,6 +131,27 @@ TEST_F(ProgramTest, CabArcUnpacksOverWhatIsThereAndLists) {
   EXPECT_EQ(Content("drive_c/out/b.txt"), "b");
   EXPECT_THAT(CabArc({"L", "s.cab"}).value_or(""), HasSubstr("KTE700.CFG\n"));
   EXPECT_EQ(CabArc({"X", "s.cab", "*.*", "C:\\missing\\"}).number(), kErrorPathNotFound);
+}
+
+// Who does not ask how it ended must not take a part for the whole, nor is a fault of the cabinet to hide
+// that there is only a part.
+TEST_F(ProgramTest, CabArcUnpacksAllThatIsSoundOrNothing) {
+  std::vector<std::pair<std::string, std::string>> entries = {
+      {"bad:name", "x"}, {"small", "small"}, {"large", Noise(300000)}, {"last", "last"}};
+  ASSERT_TRUE(Pack("drive_c/Temp/x.cab", entries).ok());
+  bool finished = false;
+  for (int call = 1; !finished && call < 100; ++call) {
+    std::filesystem::remove_all(folder_ / "drive_c/to");
+    std::filesystem::create_directories(folder_ / "drive_c/to");
+    kw::testing::FaultyStorage storage(SystemStorage());
+    storage.count_reads = true;
+    storage.Arm(kw::testing::FaultyStorage::Fault::kFail, call, kErrorDiskFull, false);
+    const auto result = RunCabArc(storage, Paths(), {"X", "C:\\Temp\\x.cab", "*.*", "C:\\to\\"}, 1252);
+    finished = storage.calls() < call;
+    EXPECT_EQ(result.number(), finished ? kErrorInvalidName : kErrorDiskFull) << call;
+    EXPECT_EQ(FilesIn("drive_c/to"), finished ? 3u : 0u) << call;
+  }
+  EXPECT_TRUE(finished);
 }
 
 TEST_F(ProgramTest, CabArcTakesPatternsAndTheCurrentFolder) {
