@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/text.h"
 #include "formats/little_endian.h"
 #include "formats/utf16_bytes.h"
 
@@ -65,7 +66,7 @@ std::array<uint16_t, 4> VersionAt(std::string_view bytes, size_t at) {
 
 Result<VersionBlock> ParseVersionBlock(std::string_view resource) {
   const auto root = ReadBlock(resource, 0, resource.size());
-  if (!root || root->key != "VS_VERSION_INFO") {
+  if (!root || !EqualsNoCase(root->key, "VS_VERSION_INFO")) {
     return {kErrorInvalidData, "The version resource is damaged."};
   }
   VersionBlock version;
@@ -76,7 +77,7 @@ Result<VersionBlock> ParseVersionBlock(std::string_view resource) {
     version.product = VersionAt(resource, root->value + 16);
   }
   ForEachChild(resource, Align(value_end), root->end, [&](const Block& info) {
-    if (info.key == "StringFileInfo") {
+    if (EqualsNoCase(info.key, "StringFileInfo")) {
       ForEachChild(resource, info.value, info.end, [&](const Block& table) {
         VersionBlock::Table& added = version.tables.emplace_back();
         added.digits = table.key;
@@ -84,9 +85,9 @@ Result<VersionBlock> ParseVersionBlock(std::string_view resource) {
           added.strings.emplace_back(string.key, TextOf(resource, string));
         });
       });
-    } else if (info.key == "VarFileInfo") {
+    } else if (EqualsNoCase(info.key, "VarFileInfo")) {
       ForEachChild(resource, info.value, info.end, [&](const Block& variable) {
-        if (variable.key != "Translation") return;
+        if (!EqualsNoCase(variable.key, "Translation")) return;
         const size_t end = std::min(variable.value + variable.value_length, variable.end);
         for (size_t at = variable.value; at + 4 <= end; at += 4) {
           version.translations.emplace_back(Get16(resource, at), Get16(resource, at + 2));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/text.h"
 #include "formats/version_block_test_support.h"
 
 namespace kw::formats {
@@ -40,6 +41,21 @@ TEST(VersionBlock, FixedNumbersTablesAndTranslationsAreRead) {
   EXPECT_EQ(version->tables[0].digits, "040904B0");
   EXPECT_EQ(version->tables[0].strings, Sample().tables[0].strings);
   EXPECT_EQ(version->tables[1].strings, Sample().tables[1].strings);
+}
+
+TEST(VersionBlock, TheNamesOfTheBlocksStandInAnyCase) {
+  std::string resource = MakeVersionResource(Sample());
+  for (const char* name : {"VS_VERSION_INFO", "StringFileInfo", "VarFileInfo", "Translation"}) {
+    const std::string stored = Utf8ToUtf16LeBytes(name);
+    const size_t at = resource.find(stored);
+    ASSERT_NE(at, std::string::npos) << name;
+    resource.replace(at, stored.size(), Utf8ToUtf16LeBytes(ToLower(name)));
+  }
+  const auto version = ParseVersionBlock(resource);
+  ASSERT_TRUE(version.ok());
+  EXPECT_EQ(version->translations, Sample().translations);
+  ASSERT_EQ(version->tables.size(), 2u);
+  EXPECT_EQ(version->tables[0].strings, Sample().tables[0].strings);
 }
 
 TEST(VersionBlock, ABlockWithoutFixedNumbersHasNone) {
