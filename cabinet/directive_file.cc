@@ -152,8 +152,11 @@ std::string Directives::OutputFolder() const {
 Result<Directives> ParseDirectives(std::string_view text) {
   Directives out;
   size_t line = 0;
-  for (const std::string& raw : Split(text, '\n')) {
-    std::string_view content = raw;
+  for (bool more = true; more;) {
+    const size_t end = text.find('\n');
+    std::string_view content = text.substr(0, end);
+    more = end != std::string_view::npos;
+    if (more) text.remove_prefix(end + 1);
     if (content.ends_with('\r')) content.remove_suffix(1);
     KW_RETURN_IF_ERROR(ParseLine(out, content, ++line));
   }

@@ -30,6 +30,7 @@ Status FolderSink::Begin(const CabinetEntry& entry) {
   }
   KW_ASSIGN_OR_RETURN(FolderNames * names, NamesIn(final_folder_));
   const auto [name, is_new] = names->emplace(ToUpper(parts.back()), parts.back());
+  final_name_ = &name->second;
   final_path_ = Below(final_folder_, name->second);
   place_is_free_ = is_new;
   written_.insert(std::move(key));
@@ -54,7 +55,7 @@ Status FolderSink::Write(std::span<const std::byte> data) {
 
 Status FolderSink::End(const CabinetEntry& entry, const Status& outcome) {
   Status status = outcome;
-  if (status.ok() && place_is_free_) made_.push_back(final_path_);
+  if (status.ok() && place_is_free_) made_.emplace_back(&names_.find(final_folder_)->first, final_name_);
   if (status.ok() && file_ == nullptr && ForMaker()) {
     maker_->Add(entry, final_path_, std::move(for_maker_));
     for_maker_.clear();
@@ -77,7 +78,7 @@ std::vector<EntryFailure> FolderSink::Settle() {
 }
 
 void FolderSink::TakeBack() {
-  for (const std::string& path : made_) storage_.Remove(path).IgnoreError();
+  for (const auto& [folder, name] : made_) storage_.Remove(Below(*folder, *name)).IgnoreError();
   made_.clear();
 }
 

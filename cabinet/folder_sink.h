@@ -53,9 +53,10 @@ class FolderSink : public EntrySink {
   std::string part_path_;   // of the file that is being written, which may be the final one
   std::string final_path_;  // of the present entry
   std::string final_folder_;
-  std::vector<std::string> made_;  // places where nothing was before
-  uint64_t size_ = 0;              // of the present entry
-  bool place_is_free_ = false;     // nothing is at final_path_
+  std::vector<std::pair<const std::string*, const std::string*>> made_;  // folders and names in names_
+  uint64_t size_ = 0;                                                    // of the present entry
+  const std::string* final_name_ = nullptr;                              // in names_
+  bool place_is_free_ = false;                                           // nothing is at final_path_
   uint64_t position_ = 0;
   std::unique_ptr<FileMaker> maker_;  // when files are made together
   std::vector<std::byte> for_maker_;  // the whole content of the present entry, unless it has a file_

@@ -22,20 +22,22 @@ struct Job {
 };
 
 Result<Directives> ReadDirectives(Storage& storage, const std::string& host_path, int code_page) {
-  KW_ASSIGN_OR_RETURN(const std::string bytes, ReadWholeFile(storage, host_path));
-  Result<Directives> directives = ParseDirectives(CodePageToUtf8(bytes, code_page));
+  KW_ASSIGN_OR_RETURN(std::string text, ReadWholeFile(storage, host_path));
+  text = CodePageToUtf8(text, code_page);
+  Result<Directives> directives = ParseDirectives(text);
   if (!directives.ok()) return {directives.number(), host_path + ": " + directives.error().message};
   return directives;
 }
 
 Status FillJob(Storage& storage, const MachinePaths& paths, int code_page, Job& job) {
-  const Directives& directives = job.directives;
+  Directives& directives = job.directives;
   if (!directives.make_cabinet) {
     return {kErrorUnsupported, "Copying files without a cabinet is not supported."};
   }
   if (directives.files.empty()) return {kErrorInvalidData, "The directive file lists no file."};
-  std::set<std::string> names;
-  std::map<std::string, std::string, LessNoCase> paths_listed;
+  std::set<std::string_view> names;
+  std::set<std::string_view, LessNoCase> paths_listed;
+  job.files.reserve(directives.files.size());
   for (const Directives::File& file : directives.files) {
     const std::string host = paths.HostPath(file.path);
     if (!storage.Exists(host)) {
@@ -47,13 +49,18 @@ Status FillJob(Storage& storage, const MachinePaths& paths, int code_page, Job& 
               "Line " + std::to_string(file.line) + ": the name " + file.name + " is listed twice."};
     }
     // What lay in two cabinet entries is one file in a folder, and would be packed as both.
-    const auto listed = paths_listed.emplace(file.path, file.path).first;
-    if (listed->second != file.path) {
+    const std::string_view listed = *paths_listed.insert(file.path).first;
+    if (listed != file.path) {
       return {kErrorAlreadyExists, "Line " + std::to_string(file.line) + ": the file " + file.path +
-                                       " is also listed as " + listed->second + "."};
+                                       " is also listed as " + std::string(listed) + "."};
     }
-    job.files.push_back({host, file.name, std::nullopt});
+    job.files.push_back({host, "", std::nullopt});
   }
+  // Tens of thousands of names are kept once; the views of them go first.
+  names.clear();
+  paths_listed.clear();
+  for (size_t i = 0; i < job.files.size(); ++i) job.files[i].name = std::move(directives.files[i].name);
+  directives.files = {};
   job.options.compress = directives.compress;
   job.options.reserved_header = directives.reserved_header;
   job.options.code_page = code_page;
@@ -98,17 +105,18 @@ std::string FillFormat(std::string_view format,
 
 }  // namespace
 
-std::string InfText(const Directives& directives, const WrittenCabinet& written) {
+std::string InfText(const Directives& directives, const std::vector<CabinetFile>& files,
+                    const WrittenCabinet& written) {
   std::string text;
   if (!directives.inf_header.empty()) text += directives.inf_header + kNewLine;
   text += std::string("[disk list]") + kNewLine + "1,Disk 1" + kNewLine + kNewLine;
   text += std::string("[cabinet list]") + kNewLine + "1,1," + directives.CabinetName() + kNewLine + kNewLine;
   text += std::string("[file list]") + kNewLine;
-  for (size_t i = 0; i < directives.files.size(); ++i) {
+  for (size_t i = 0; i < files.size(); ++i) {
     text += FillFormat(directives.inf_file_line_format, {{"disk#", "1"},
                                                          {"cab#", "1"},
                                                          {"file#", std::to_string(i + 1)},
-                                                         {"file", directives.files[i].name},
+                                                         {"file", files[i].name},
                                                          {"size", std::to_string(written.sizes[i])}}) +
             kNewLine;
   }
@@ -145,8 +153,8 @@ Status MakeCabinet(Storage& storage, const MachinePaths& paths, const std::strin
   KW_ASSIGN_OR_RETURN(const WrittenCabinet written,
                       WriteCabinet(storage, job.cabinet_path, job.files, job.options));
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-  Status status =
-      WriteText(storage, paths, job.directives.inf_file_name, InfText(job.directives, written), code_page);
+  Status status = WriteText(storage, paths, job.directives.inf_file_name,
+                            InfText(job.directives, job.files, written), code_page);
   if (status.ok()) {
     status =
         WriteText(storage, paths, job.directives.rpt_file_name, ReportText(written, took.count()), code_page);

@@ -20,7 +20,8 @@ Status MakeCabinet(Storage& storage, const MachinePaths& paths, const std::strin
                    const std::string& default_folder, int code_page);
 
 /// Text of the INF file and of the report, in UTF-8 with CR LF.
-std::string InfText(const Directives& directives, const WrittenCabinet& written);
+std::string InfText(const Directives& directives, const std::vector<CabinetFile>& files,
+                    const WrittenCabinet& written);
 std::string ReportText(const WrittenCabinet& written, double seconds);
 
 /// The program `MakeCab.exe`: `/f <directive file> [/l <folder>]`. Arguments without the program's name. A

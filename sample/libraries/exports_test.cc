@@ -247,6 +247,45 @@ TEST_F(LibrariesTest, AnArchiveWritesThroughNoLinkAndMixesNoNames) {
   EXPECT_EQ(Content("Out/Name.txt"), "first");
 }
 
+TEST_F(LibrariesTest, ADamagedArchiveGivesItsBytesOrRaisesAndWritesNowhereElse) {
+  const std::string text(3000, 't');
+  PutZip("good.zip", {{"sub/first.txt", text}, {"second.txt", "second"}});
+  std::filesystem::rename(machine_.OnC("good.zip"), machine_.OnC("good"));
+  const std::string good = Content("good");
+  unsigned state = 20041115;
+  const auto below = [&](size_t end) { return (state = state * 1664525 + 1013904223) / 256 % end; };
+  const auto beside = [&] {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(machine_.OnC("")))
+      names.insert(entry.path().filename().string());
+    return names;
+  };
+  machine_.Put("drive_c/bad.zip", "");
+  std::filesystem::create_directories(machine_.OnC("Out"));
+  const std::set<std::string> before = beside();
+  int raised = 0;
+  for (int turn = 0; turn < 250; ++turn) {
+    std::string bytes = good;
+    if (turn % 3 == 0) bytes.resize(below(good.size()));
+    for (size_t changes = turn % 3; changes > 0; --changes)
+      bytes[below(bytes.size())] = static_cast<char>(below(256));
+    machine_.Put("drive_c/bad.zip", bytes);
+    std::filesystem::remove_all(machine_.OnC("Out"));
+    std::filesystem::create_directories(machine_.OnC("Out"));
+    CALL(unzip_, TxUnzip)("C:\\bad.zip", "C:\\Out");
+    if (CALL(unzip_, LastCallRaised)() != 0) ++raised;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(machine_.OnC("Out"))) {
+      if (!entry.is_regular_file()) continue;
+      // Names have no checksum; contents do.
+      const std::string name = std::filesystem::relative(entry, machine_.OnC("Out")).string();
+      const std::string content = Content("Out/" + name);
+      EXPECT_TRUE(content == text || content == "second") << turn << ": " << name;
+    }
+  }
+  EXPECT_GT(raised, 100);
+  EXPECT_EQ(beside(), before);
+}
+
 TEST_F(LibrariesTest, TheFirewallsInstallerIsReadAndRewritten) {
   const std::string program = machine_.Put("drive_c/Bulwark.exe", "MZ firewall");
   machine_.Put("parts/MDF.INI", "[General]\r\nInstallPath=\r\nSTC=0\r\nLangID=0409\r\nSilent=0\r\n");
