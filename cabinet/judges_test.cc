@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdio>
+#include <random>
 
 #include "base/text.h"
 #include "cabinet/folder_sink.h"
@@ -66,6 +67,44 @@ TEST_F(JudgesTest, CabextractSeesOurOrderSizesAndDates) {
                   .ok());
   EXPECT_THAT(Run("cabextract -l t.cab"), HasSubstr("         5 | 17.05.2021 13:37:42 | z\n"
                                                     "         5 | 17.05.2021 13:37:42 | b\n"));
+}
+
+// Without checksums, so that changes of the packed bytes are seen too.
+TEST_F(JudgesTest, WhoeverTakesAChangedCabinetGivesTheSameBytes) {
+  if (!Has("cabextract")) GTEST_SKIP();
+  const std::string repeated = Prose(40000);
+  ASSERT_TRUE(Pack("t.cab", {{"a", repeated + repeated}, {"b", Noise(3000)}, {"c", Prose(9000, 3)}}).ok());
+  std::string bytes = Content("t.cab");
+  const auto reader = CabinetReader::Open(SystemStorage(), Host("t.cab"), 1252);
+  ASSERT_TRUE(reader.ok());
+  auto* const start = reinterpret_cast<std::byte*>(bytes.data());
+  size_t at = reader->folders()[0].data_offset;
+  for (int block = 0; block < reader->folders()[0].blocks; ++block) {
+    PutU32(start + at, 0);
+    at += kDataRecordSize + GetU16(start + at + 4);
+  }
+  ASSERT_EQ(at, bytes.size());
+  std::mt19937 random(7);
+  int taken_by_both = 0;
+  for (int turn = 0; turn < 200; ++turn) {
+    std::string changed = bytes;
+    for (uint32_t i = random() % 3; i < 3; ++i) {
+      const size_t place = random() % (random() % 2 == 0 ? 160 : changed.size());
+      changed[place] = static_cast<char>(changed[place] ^ (1 << random() % 8));
+    }
+    Make("t.cab", changed);
+    std::filesystem::remove_all(folder_ / "out");
+    const std::string command = "cd '" + folder_.string() + "' && cabextract -q -d out t.cab >/dev/null 2>&1";
+    const bool theirs = std::system(command.c_str()) == 0;
+    MemorySink sink;
+    if (!Unpack("t.cab", sink).ok() || !theirs) continue;
+    ++taken_by_both;
+    for (const auto& [name, content] : sink.content) {
+      if (!There("out/" + name)) continue;  // a changed name, which the other reads in its own way
+      EXPECT_TRUE(Content("out/" + name) == content) << turn << " " << name;
+    }
+  }
+  EXPECT_GT(taken_by_both, 20);
 }
 
 TEST_F(JudgesTest, GcabReadsOurCabinets) {
