@@ -63,6 +63,8 @@ class CompoundFile {
 
   /// The root entry; its children are the streams and storages of the top level.
   const CfEntry& root() const { return root_; }
+  /// Goes up whenever a name of the top level comes or goes.
+  uint64_t names_version() const { return names_version_; }
   /// The stream `name` of the top level, or null.
   std::shared_ptr<CfStream> Find(const std::u16string& name) const;
   /// Sets the class of the root entry, which tells what kind of file this is.
@@ -176,6 +178,7 @@ class CompoundFile {
   std::vector<uint32_t> directory_chain_;
   std::string directory_bytes_;  // what the unchanged sectors of the chain hold
   CfEntry root_;
+  uint64_t names_version_ = 1;
   uint32_t next_entry_id_ = 1;
   std::vector<uint32_t> free_entry_ids_;
 

@@ -209,6 +209,7 @@ void CompoundFile::Put(const std::u16string& name, std::shared_ptr<CfStream> str
   if (found != root_.children.end() && found->second->type != kStreamEntry) Remove(name);
   std::unique_ptr<CfEntry>& entry = root_.children[name];
   if (!entry) {
+    ++names_version_;
     entry = std::make_unique<CfEntry>();
     entry->name = name;
     entry->type = kStreamEntry;
@@ -228,6 +229,7 @@ void CompoundFile::Remove(const std::u16string& name) {
   const auto found = root_.children.find(name);
   if (found == root_.children.end()) return;
   dirty_ = true;
+  ++names_version_;
   std::vector<std::unique_ptr<CfEntry>> gone;
   gone.push_back(std::move(found->second));
   root_.children.erase(found);

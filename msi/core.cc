@@ -42,6 +42,8 @@ void Core::Prepare() {
 }
 
 void Core::RefreshStreams(Table& table) {
+  if (table.names_version == file_->names_version()) return;
+  table.names_version = file_->names_version();
   std::map<std::string, Table::Row> rows;
   for (Table::Row row = 0; row < table.row_end(); ++row) {
     if (table.Alive(row)) rows.emplace(TextOf(table, row, 0), row);
@@ -89,6 +91,8 @@ Result<std::u16string> Core::StreamName(const Table& table, std::span<const Cell
     }
   }
   if (table.streams) {
+    Result<std::u16string> packed = EncodeStreamName(name, false);
+    if (packed.ok() && file_->Find(*packed) && DecodeStreamName(*packed) == name) return packed;
     // A stream that exists may have been stored under its plain name.
     for (const auto& [stored, entry] : file_->root().children) {
       if (stored[0] != kTableStreamMark && DecodeStreamName(stored) == name) return stored;
@@ -185,6 +189,7 @@ Status Core::InsertRow(Table& table, std::span<const Cell> cells,
     }
   }
   table.dirty = table.dirty || !temporary_row;
+  table.names_version = 0;
   return {};
 }
 
@@ -202,6 +207,7 @@ void Core::SetCell(Table& table, Table::Row row, int column, Cell cell) {
 
 void Core::SetStream(Table& table, Table::Row row, int column, std::shared_ptr<CfStream> stream) {
   const bool temporary = table.TemporaryCell(row, column);
+  table.names_version = 0;
   table.Set(row, column, stream ? 1 : kNullCell);
   table.dirty = table.dirty || !temporary;
   if (temporary && !table.streams) {
@@ -239,6 +245,7 @@ void Core::DeleteRow(Table& table, Table::Row row) {
     if (table.columns()[i].is_text()) pool_.DropUse(table.Get(row, column), table.TemporaryCell(row, column));
   }
   table.dirty = table.dirty || !table.TemporaryRow(row);
+  table.names_version = 0;
   table.Erase(row);
 }
 

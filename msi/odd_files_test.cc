@@ -1,4 +1,4 @@
-#include <cstring>
+#include <chrono>
 
 #include "base/testing/faulty_storage.h"
 #include "msi/bytes.h"
@@ -115,6 +115,34 @@ TEST_F(OddFileTest, TwoStreamsOfOneNameAreShownOnce) {
   for (int i = 0; i < 4; ++i) {
     EXPECT_EQ(QueryRows(*db, "select `Name` from `_Streams`"), Rows{{"twice"}});
   }
+}
+
+TEST_F(OddFileTest, ManyStreamsAreListedWithoutLookingAtAllOfThemForEach) {
+  MakePackage();
+  storage.Content("in") = "content";
+  constexpr int kStreams = 6000;
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < kStreams; ++i) {
+    KW_EXPECT_OK(RunSql(*db, "insert into `Binary` (`Name`, `Data`) values (?, ?)",
+                        {T(Numbered("s", i)), FileValue(storage, "in")}));
+  }
+  EXPECT_EQ(QueryRows(*db, "select `Name`, `Data` from `_Streams`").size(), size_t{kStreams});
+  KW_EXPECT_OK(RunSql(*db, "delete from `Binary` where `Name` <> 's7'"));
+  EXPECT_EQ(QueryRows(*db, "select * from `_Streams`"), (Rows{{"Binary.s7", "content"}}));
+  KW_EXPECT_OK(RunSql(*db, "delete from `_Streams`"));
+  EXPECT_EQ(QueryRows(*db, "select * from `_Streams`"), Rows{});
+  // In milliseconds; with a look at all for each it is a minute.
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+}
+
+TEST_F(OddFileTest, ANameThatTheOldCodePageDidNotHaveIsListedUnderTheNewOne) {
+  KW_EXPECT_OK(db->Commit());
+  db.reset();
+  ReplaceStream(u"\u65E5", "content");
+  Reopen(OpenMode::kTransact);
+  EXPECT_EQ(QueryRows(*db, "select `Name` from `_Streams`"), Rows{});
+  KW_EXPECT_OK(db->SetCodePage(932));
+  EXPECT_EQ(QueryRows(*db, "select * from `_Streams`"), (Rows{{"\xE6\x97\xA5", "content"}}));
 }
 
 TEST_F(OddFileTest, SpaceOfSmallStreamsIsGivenBack) {

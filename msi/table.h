@@ -102,6 +102,7 @@ class Table {
   bool storages = false;   ///< `_Storages`
   bool dirty = false;      ///< differs from the file
   int holds = 0;
+  uint64_t names_version = 0;  ///< of `_Streams` and `_Storages`: the file's names that the rows stand for
   /// Streams of cells that stay out of the file, by row and column.
   std::map<std::pair<Row, int>, std::shared_ptr<CfStream>> temporary_streams;
 

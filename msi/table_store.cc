@@ -229,6 +229,8 @@ Status Core::Commit() {
 Status Core::SetCodePage(int code_page) {
   KW_RETURN_IF_ERROR(CheckWritable());
   KW_RETURN_IF_ERROR(pool_.SetCodePage(code_page));
+  // Names that the old page did not have may be shown now.
+  for (const char* name : {"_Streams", "_Storages"}) System(name)->names_version = 0;
   return EndStatement();
 }
 
