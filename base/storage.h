@@ -41,9 +41,10 @@ class Storage {
   };
   virtual ~Storage() = default;
   virtual Result<std::unique_ptr<StorageFile>> Open(const std::string& path, Mode mode) = 0;
-  /// Renames `from` over `to` in one step: whoever looks sees the old or the new file.
+  /// Renames `from` over `to`, also a read-only file, in one step: whoever looks sees the old or the new
+  /// file.
   virtual Status Rename(const std::string& from, const std::string& to) = 0;
-  /// Removes a file; a missing one is kErrorFileNotFound.
+  /// Removes a file, also a read-only one; a missing one is kErrorFileNotFound.
   virtual Status Remove(const std::string& path) = 0;
   virtual bool Exists(const std::string& path) = 0;
   /// Makes a folder; one that exists already is no error, but a link in its place is one. The folder

@@ -20,6 +20,21 @@ std::wstring Wide(const std::string& path) {
   return {wide.begin(), wide.end()};
 }
 
+// Takes the read-only attribute off a file while `call` works on it: the system neither replaces nor removes
+// such a file.
+template <typename Call>
+BOOL WithoutReadOnly(const std::wstring& path, const Call& call) {
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  const bool read_only = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+  if (read_only) SetFileAttributesW(path.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
+  const BOOL done = RetryWhileInUse(call);
+  if (done || !read_only) return done;
+  const DWORD error = GetLastError();
+  SetFileAttributesW(path.c_str(), attributes);
+  SetLastError(error);
+  return FALSE;
+}
+
 class Win32File : public StorageFile {
  public:
   Win32File(HANDLE handle, std::string path) : handle_(handle), path_(std::move(path)) {}
@@ -104,7 +119,7 @@ class Win32Storage : public Storage {
   Status Rename(const std::string& from, const std::string& to) override {
     const std::wstring source = Wide(from);
     const std::wstring target = Wide(to);
-    const BOOL done = RetryWhileInUse([&] {
+    const BOOL done = WithoutReadOnly(target, [&] {
       return MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
     });
     if (!done) return Failure("rename", from);
@@ -113,7 +128,7 @@ class Win32Storage : public Storage {
 
   Status Remove(const std::string& path) override {
     const std::wstring file = Wide(path);
-    if (!RetryWhileInUse([&] { return DeleteFileW(file.c_str()); })) return Failure("remove", path);
+    if (!WithoutReadOnly(file, [&] { return DeleteFileW(file.c_str()); })) return Failure("remove", path);
     return {};
   }
 
