@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "base/exit_codes.h"
 #include "base/text.h"
 #include "package/file_rules.h"
 #include "package/installer_db.h"
@@ -159,7 +160,13 @@ Status ExtractCabinets(platform::Services& services, RunState& run, ui::FormHost
     const int code = RunAndWait(
         services, run, host, "CabArc X " + cabinets + "\\" + entry.name + " *.* " + run.CabDataFolder + "\\",
         platform::WindowStyle::kHidden);
-    // What it says of the cabinet does not matter here; one that was cut off has said nothing.
+    // What it says of the cabinet does not matter here. A part of the package must not be taken for the
+    // whole: without any file no cabinet can be made later, which is told.
+    if (code == kExitMachineFailed) {
+      KW_RETURN_IF_ERROR(services.files->DeleteFolder(run.CabDataFolder, true));
+      return services.files->CreateFolder(run.CabDataFolder);
+    }
+    // One that was cut off has said nothing.
     if (WasCutOff(code)) {
       return {kErrorFunctionFailed, "CabArc was ended before it had unpacked the package's files."};
     }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/exit_codes.h"
 #include "package/installer_db.h"
 #include "package/source_package.h"
 #include "shell/source_page_test_support.h"
@@ -251,6 +252,17 @@ TEST_F(SourcePagePackage, AnUnpackingToolThatIsCutOffIsToldAndWhatItSaysOfACabin
   machine.processes.On("CabArc X", 1);
   Next();
   EXPECT_TRUE(Opened());
+}
+
+TEST_F(SourcePagePackage, NothingIsKeptOfAPackageWhenTheMachineFailsAtOneOfItsCabinets) {
+  machine.processes.On("CabArc X", {.exit_code = kExitMachineFailed, .run = [&](const auto&) {
+                                      machine.files.AddFile(run.CabDataFolder + "\\first",
+                                                            "another cabinet's");
+                                    }});
+  Next();
+  EXPECT_TRUE(Opened());
+  EXPECT_TRUE(machine.files.FolderExists(run.CabDataFolder));
+  EXPECT_THAT(machine.files.Tree(run.CabDataFolder), IsEmpty());
 }
 
 TEST_F(SourcePagePackage, TheFolderOfARunThatWasKilledIsNotTakenForThisRunsOwn) {

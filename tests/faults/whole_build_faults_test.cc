@@ -545,7 +545,9 @@ TEST_P(OpeningFaults, AWizardThatIsKilledLeavesNothingAfterItsNextStart) {
 INSTANTIATE_TEST_SUITE_P(
     Openings, OpeningFaults,
     ::testing::Values(Scenario{"package", "opening.kw", "710", "Out/Customised", false, true},
-                      Scenario{"package_700", "opening.kw", "700", "Out/Customised", false, true}),
+                      Scenario{"package_700", "opening.kw", "700", "Out/Customised", false, true},
+                      Scenario{"two_cabinets", "opening_two_cabinets.kw", "710", "Out/Customised", false,
+                               true}),
     [](const auto& scenario) { return scenario.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(Builds, WholeBuildFaults,

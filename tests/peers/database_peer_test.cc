@@ -78,6 +78,17 @@ TEST_F(PeerTest, WhatThePeerWritesIsReadHere) {
   ASSERT_TRUE(libmsi_database_commit(peer_, nullptr));
   g_object_unref(peer_);
   peer_ = nullptr;
+  // Without a change every byte stays, however the peer has laid them out.
+  const std::string bytes = *ReadWholeFile(SystemStorage(), Path("peer.msi"));
+  for (const OpenMode mode : {OpenMode::kTransact, OpenMode::kDirect}) {
+    const auto opened = Database::Open(SystemStorage(), Path("peer.msi"), mode);
+    ASSERT_TRUE(opened.ok());
+    ours_ = *opened;
+    EXPECT_EQ(Ours("SELECT * FROM `One`").rows.size(), 2u);
+    EXPECT_TRUE(ours_->Commit().ok());
+    ours_.reset();
+    EXPECT_TRUE(*ReadWholeFile(SystemStorage(), Path("peer.msi")) == bytes);
+  }
   auto ours = Database::Open(SystemStorage(), Path("peer.msi"), OpenMode::kDirect);
   ASSERT_TRUE(ours.ok()) << ours.error().message;
   ours_ = *ours;
