@@ -9,6 +9,7 @@
 #include <iterator>
 #include <map>
 
+#include "base/exit_codes.h"
 #include "base/storage.h"
 #include "tests/faults/calls/failing_process_test_support.h"
 
@@ -153,6 +154,8 @@ TEST_F(CabinetCallTest, AllFilesAreUnpackedOrNoneAndTheFailureIsTold) {
         EXPECT_EQ(ending.killed, Kills(kind));
         EXPECT_TRUE(ending.success || !kind.must_work);
         EXPECT_TRUE(!ending.success || Files("to") == good) << "success was claimed wrongly";
+        EXPECT_TRUE(ending.success || ending.killed || ending.code == kExitMachineFailed)
+            << "the cabinet was blamed: " << ending.code;
         if (ending.killed || kind.forever) continue;
         EXPECT_TRUE(ending.success || Files("to").empty()) << "a part could be taken for the whole";
         EXPECT_EQ(Bytes("good.cab"), cabinet);

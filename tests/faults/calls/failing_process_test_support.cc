@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <limits>
 
+#include "base/exit_codes.h"
+
 namespace kw::faults {
 namespace {
 
@@ -90,9 +92,11 @@ Ending RunFailing(const std::filesystem::path& folder, std::vector<std::string> 
   int status = 0;
   EXPECT_EQ(waitpid(process, &status, 0), process);
   Ending ending;
-  ending.success = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  ending.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  ending.success = ending.code == 0;
   ending.killed = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
-  EXPECT_TRUE(ending.killed || (WIFEXITED(status) && WEXITSTATUS(status) <= 1)) << "status " << status;
+  EXPECT_TRUE(ending.killed || ending.success || ending.code == 1 || ending.code == kExitMachineFailed)
+      << "status " << status;
   ending.calls = plan->counted;
   return ending;
 }

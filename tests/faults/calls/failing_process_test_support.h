@@ -27,6 +27,7 @@ std::vector<Kind> Kinds();
 struct Ending {
   bool success = false;
   bool killed = false;
+  int code = 0;        ///< the exit code; -1 when a signal ended it
   uint32_t calls = 0;  ///< those that were counted
 };
 
